@@ -1,0 +1,32 @@
+# brindlet_layer(FOLDER LINKS TARGET...): the folder src/FOLDER as one library.
+#
+# Its headers are found as "FOLDER/header.h", and only by targets that link it: the include path of a layer
+# holds that one folder and nothing beside it, so that a wrong include fails to build.
+function(brindlet_layer folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  string(REPLACE "/" "_" name ${folder})
+  set(source ${CMAKE_SOURCE_DIR}/src/${folder})
+  file(GLOB sources CONFIGURE_DEPENDS ${source}/*.cpp ${source}/linux/*.cpp ${source}/terminal/*.cpp)
+  add_library(brindlet_${name} STATIC ${sources})
+
+  set(includes ${CMAKE_BINARY_DIR}/include/${name})
+  get_filename_component(parent ${includes}/${folder} DIRECTORY)
+  file(MAKE_DIRECTORY ${parent})
+  file(CREATE_LINK ${source} ${includes}/${folder} SYMBOLIC)
+  target_include_directories(brindlet_${name} PUBLIC ${includes})
+  target_link_libraries(brindlet_${name} PUBLIC ${ARG_LINKS})
+endfunction()
+
+# brindlet_tests(FOLDER LINKS TARGET...): tests/FOLDER as one test program, its cases found by CTest.
+function(brindlet_tests folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  string(REPLACE "/" "_" name ${folder})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name}_tests ${sources})
+  target_include_directories(${name}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name}_tests PRIVATE ${ARG_LINKS} GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()
