@@ -1,0 +1,66 @@
+#include "exec/output_lines.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace brindlet {
+
+LineSplitter::LineSplitter(Take take, std::size_t longestLine) : take_(std::move(take)), longestLine_(longestLine) {}
+
+void LineSplitter::feed(std::string_view bytes) {
+    std::size_t begin = 0;
+    std::size_t newline = bytes.find('\n');
+    std::size_t carriageReturn = bytes.find('\r');
+    while (newline != carriageReturn) {  // both are npos where no line ends any more
+        const std::size_t end = std::min(newline, carriageReturn);
+        endLine(bytes.substr(begin, end - begin));
+        begin = end + 1;
+        // Only the one that was passed is searched again: so each byte is looked at twice, whatever the mixture.
+        std::size_t& passed = newline < carriageReturn ? newline : carriageReturn;
+        passed = bytes.find(bytes[end], begin);
+    }
+    begun_ += bytes.substr(begin);
+    if (begun_.size() > longestLine_) endLine({});
+}
+
+void LineSplitter::finish() {
+    endLine({});
+}
+
+void LineSplitter::endLine(std::string_view rest) {
+    if (begun_.empty()) {  // by far the most lines lie whole in what was read
+        if (!rest.empty()) take_(rest);
+        return;
+    }
+    begun_ += rest;
+    take_(begun_);
+    begun_.clear();
+}
+
+BoundedOutput::BoundedOutput(std::size_t limit) : limit_(limit) {}
+
+void BoundedOutput::addLine(std::string_view line) {
+    headIsFull_ = headIsFull_ || head_.size() + line.size() + 1 > limit_ / 2;
+    std::string& part = headIsFull_ ? tail_ : head_;
+    part += line;
+    part += '\n';
+    if (head_.size() + tail_.size() > limit_) dropOldestOfTail();
+}
+
+// Drops half of what the tail may have, so that each byte is moved only once or twice, however long this goes on.
+void BoundedOutput::dropOldestOfTail() {
+    const std::size_t kept = std::min(limit_ / 4, tail_.size());
+    std::size_t cut = tail_.find('\n', tail_.size() - kept);
+    cut = cut == std::string::npos ? tail_.size() : cut + 1;
+    const auto end = tail_.begin() + static_cast<std::string::difference_type>(cut);
+    droppedLines_ += static_cast<std::size_t>(std::count(tail_.begin(), end, '\n'));
+    tail_.erase(tail_.begin(), end);
+}
+
+std::string BoundedOutput::take() {
+    if (droppedLines_ != 0) head_ += "[" + std::to_string(droppedLines_) + " lines of output left out here]\n";
+    head_ += tail_;
+    return std::move(head_);
+}
+
+}  // namespace brindlet

@@ -1,0 +1,82 @@
+#include "exec/file_presenting.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/scratch_folder.h"
+
+namespace brindlet {
+
+namespace {
+
+struct FakePresenter final : FilePresenter {
+    std::vector<FilePath> selected;
+    std::vector<FilePath> opened;
+    void selectInFileManager(const std::vector<FilePath>& items) override { selected = items; }
+    void openFolder(const FilePath& folder) override { opened.push_back(folder); }
+};
+
+}  // namespace
+
+TEST(FilePresenting, TheEndIsCutOffOnlyWhereItIsTheEnd) {
+    struct Case {
+        std::string_view command;
+        PipelineEnd end;
+        std::string_view rest;
+    };
+    const Case cases[] = {
+        {"find . | finderSelect", PipelineEnd::finderSelect, "find . "},
+        {"which gs| presentFiles", PipelineEnd::presentFiles, "which gs"},
+        {"ls | finderSelect ", PipelineEnd::none, "ls | finderSelect "},
+        {"ls |finderSelect", PipelineEnd::none, "ls |finderSelect"},
+        {"ls | finderSelect | presentFiles", PipelineEnd::presentFiles, "ls | finderSelect "},
+    };
+    for (const auto& [command, end, rest] : cases) {
+        SCOPED_TRACE(command);
+        EXPECT_EQ(pipelineEnd(command), end);
+        EXPECT_EQ(withoutPipelineEnd(command), rest);
+    }
+}
+
+TEST(FilePresenting, WhatIsSelectedAndSaid) {
+    struct Case {
+        PipelineEnd end;
+        std::string output;
+        CommandRunResult result;
+        std::vector<FilePath> selected;
+    };
+    const Case cases[] = {
+        {PipelineEnd::finderSelect, "", {"", "Zero files to select", 1}, {}},
+        {PipelineEnd::presentFiles, "\n", {"", "Zero files returned from command", 1}, {}},
+        {PipelineEnd::finderSelect,
+         "./a\n\n \tb \xFF\t\n",
+         {"Selected 2 items in Finder", "", 0},
+         {FilePath("/w/a"), FilePath("/w/b \xFF")}},
+        {PipelineEnd::presentFiles, "/usr/bin/gs\n", {"Presented 1 items in Finder", "", 0}, {FilePath("/usr/bin/gs")}},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.output);
+        FakePresenter presenter;
+        EXPECT_EQ(presentPaths(each.end, each.output, FilePath("/w"), &presenter), each.result);
+        EXPECT_EQ(presenter.selected, each.selected);
+        EXPECT_TRUE(presenter.opened.empty());
+        EXPECT_EQ(presentPaths(each.end, each.output, FilePath("/w"), nullptr), each.result);
+    }
+}
+
+TEST(FilePresenting, AResultsFolderHoldsLinksAndIsMadeAnew) {
+    const ScratchFolder scratch;
+    const FilePath results = scratch.path("made/Results");
+    scratch.write("made/Results/left over/a", "");
+
+    FakePresenter presenter;
+    presentInResultsFolder({FilePath("/one/a"), FilePath("/two/a"), FilePath("/two/b")}, results, presenter);
+
+    EXPECT_EQ(presenter.opened, std::vector<FilePath>{results});
+    EXPECT_FALSE(scratch.exists("made/Results/left over"));
+    EXPECT_EQ(std::filesystem::read_symlink(results.child("a").text()), "/one/a");  // the second "a" is left out
+    EXPECT_EQ(std::filesystem::read_symlink(results.child("b").text()), "/two/b");
+}
+
+}  // namespace brindlet

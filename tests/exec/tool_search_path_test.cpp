@@ -1,0 +1,68 @@
+#include "exec/tool_search_path.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/scratch_folder.h"
+
+namespace brindlet {
+
+namespace {
+
+using Folders = std::vector<std::string>;
+
+// A login shell that does what `script` says, whatever it is asked.
+std::string shellIn(const ScratchFolder& scratch, std::string_view script) {
+    const FilePath shell = scratch.write("shell", "#!/bin/bash\n" + std::string(script));
+    std::filesystem::permissions(shell.text(), std::filesystem::perms::owner_all);
+    return shell.text();
+}
+
+}  // namespace
+
+TEST(LoginShellPath, TheAnswerBetweenTheMarksElseTheOwnPath) {
+    struct Case {
+        std::string_view script;
+        Folders folders;
+    };
+    const Folders ownPath{"/own", "/path"};
+    const Case cases[] = {
+        // A real shell, asked the real question behind start files that talk.
+        {"echo hello; PATH=/a::/b:; eval \"$4\"; echo bye", {"/a", "/b"}},
+        {"[[ $* == '-l -i -c printf'* ]] && PATH=/args eval \"$4\"", {"/args"}},
+        {"echo noise >&2; /bin/cat; PATH=/after/cat:/usr/bin eval \"$4\"; exit 3", {"/after/cat", "/usr/bin"}},
+        {"echo ___BrindletPath___; echo /a", ownPath},  // one mark only
+        {"echo ' ___BrindletPath___'; echo /a; echo ___BrindletPath___", ownPath},
+        {"echo ___BrindletPath___; echo; echo ___BrindletPath___", ownPath},
+        {"echo ___BrindletPath___; echo ___BrindletPath___", ownPath},
+        {"kill -KILL $$", ownPath},
+        {"yes", ownPath},  // output without end is cut off
+    };
+    for (const auto& [script, folders] : cases) {
+        const ScratchFolder scratch;
+        EXPECT_EQ(loginShellPath({{"SHELL", shellIn(scratch, script)}, {"PATH", ":/own::/path"}}), folders) << script;
+    }
+    for (const std::string shell : {"", "/no/such/shell", "/etc/passwd", "relative"})
+        EXPECT_EQ(loginShellPath({{"SHELL", shell}, {"PATH", "/own:/path"}}), ownPath) << shell;
+    EXPECT_EQ(loginShellPath({}), Folders{});
+}
+
+TEST(ToolSearchPath, OrderDuplicatesAndFoldersThatComeLater) {
+    const ScratchFolder scratch;
+    const auto files = openFileSystem();
+    const FilePath packages = scratch.path("Packages");
+    const FilePath binaries = scratch.path("Binaries");
+    const std::string asked = "echo asked >> " + scratch.path().text() + "/log; ";
+    ToolSearchPath searchPath(*files, packages, binaries,
+                              {{"SHELL", shellIn(scratch, asked + "PATH=/x:/bin:/x:/opt/homebrew/bin; eval \"$4\"")}});
+    EXPECT_EQ(searchPath.text(), "/opt/homebrew/bin:/x:/bin:/usr/bin:/usr/sbin:/sbin:/usr/local/bin");
+
+    scratch.makeFolder("Packages");
+    scratch.makeFolder("Binaries");
+    EXPECT_EQ(searchPath.text(), "/opt/homebrew/bin:" + packages.text() +
+                                     ":/x:/bin:/usr/bin:/usr/sbin:/sbin:/usr/local/bin:" + binaries.text());
+    EXPECT_EQ(scratch.read("log"), "asked\n");  // the shell is asked once, the folders are looked at each time
+}
+
+}  // namespace brindlet
