@@ -61,7 +61,7 @@ const std::vector<std::string> lines = {
 };
 
 void count(benchmark::State& state) {
-    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * lines.size()));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(lines.size()));
 }
 
 void parseLines(benchmark::State& state) {

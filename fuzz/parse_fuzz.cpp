@@ -1,4 +1,5 @@
-// Any text: it is refused, or it prints to text that reads back whole and prints the same again.
+// Any text: it is refused, or it prints to text that reads back whole, as the same tree, and prints the same again.
+// (Not where a shell reads otherwise: such a print never runs, and "a &;\nb" has a line break at which it could end.)
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -29,15 +30,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     require(!tree.statements.empty(), "an empty tree", "");
-    const bool isHazard = readingHazard(tree).has_value();
     const std::string printed = print(tree);
+    if (readingHazard(tree)) return 0;
     Basher again(printed);
     try {
         const BashStatementList second = again.parse();
         require(again.unparsedRemainder().empty(), "a remainder", printed);
         require(print(second) == printed, "another print", printed);
-        // Neighbours that a shell reads as one command (a hazard) may become one here too.
-        require(isHazard || second == tree, "another tree", printed);
+        require(second == tree, "another tree", printed);
     } catch (const BasherError& error) {
         require(false, error.what(), printed);
     }

@@ -46,7 +46,7 @@ bool Parser::appendComponent(std::vector<BashPipelineComponent>& components) {
     if (scanner_.take('(')) {
         const NestingGuard guard(*this);
         BashPipeline inner = requirePipeline("nested pipeline");
-        require(")", "closing parenthesis");
+        requireClosing(")", "closing parenthesis");
         components.emplace_back(NestedPipeline{std::move(inner)});
         return true;
     }

@@ -168,7 +168,7 @@ BashWordElement Parser::parseExpansion(Quoting quoting) {
         const NestingGuard guard(*this);
         scanner_.skipBlanks();
         BashPipeline pipeline = requirePipeline("inner command of");
-        require(")", "closing bracket for command expansion");
+        requireClosing(")", "closing bracket for command expansion");
         return CommandSubstitution{std::move(pipeline)};
     }
     return parseDollar();
@@ -192,7 +192,7 @@ BashWordElement Parser::parseDollar() {
 std::string Parser::parseArithmeticText(std::string_view what) {
     const std::string_view text = scanner_.scanUpTo("))");
     if (text.empty()) throw expectedError(what);
-    require("))", "))");
+    requireClosing("))", "))");
     return std::string(text);
 }
 
@@ -216,7 +216,7 @@ CommandSubstitution Parser::parseBackticks(Quoting quoting) {
         pipeline = requirePipeline("inner command of");
         scanner_.setEnd(outerEnd);
     }
-    require("`", "closing '`' for command expansion");
+    requireClosing("`", "closing '`' for command expansion");
     return {std::move(pipeline)};
 }
 

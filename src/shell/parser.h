@@ -88,8 +88,9 @@ class Parser {
     BashWordElement parseBraces();
     // False where no word or component can begin, so that none is made in vain.
     bool mayBeginWord() const { return !scanner_.atEnd() && !byteClass::has(scanner_.peek(), byteClass::wordEnd); }
-    // A newline directly behind a closing parenthesis ends the statement, anywhere else it is plain word text.
-    bool standsAtLineEnd() const { return scanner_.standsAt('\n') && scanner_.previous() == ')'; }
+    // A newline directly behind a closing parenthesis (or the backtick that prints as one) ends the statement, anywhere
+    // else it is plain word text.
+    bool standsAtLineEnd() const { return scanner_.standsAt('\n') && scanner_.position() == closedAt_; }
 
     // "Expected <what>, but saw: " and the text from the cursor on, cut to 100 characters and to its first line.
     BasherError expectedError(std::string_view what) const;
@@ -97,10 +98,16 @@ class Parser {
         if (!scanner_.take(wanted)) throw expectedError(what);
     }
 
+    void requireClosing(std::string_view wanted, std::string_view what) {
+        require(wanted, what);
+        closedAt_ = scanner_.position();
+    }
+
     Scanner scanner_;
     std::string_view tail_;
     int nesting_ = 0;
-    std::size_t rangeBytes_ = 0;  // what brace expansions like {1..9} have taken so far
+    std::size_t closedAt_ = std::string_view::npos;  // behind the last closing parenthesis or backtick
+    std::size_t rangeBytes_ = 0;                     // what brace expansions like {1..9} have taken so far
 };
 
 // Counts a level while it lives; one level too many is refused.

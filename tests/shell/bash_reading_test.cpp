@@ -148,7 +148,9 @@ class LineMaker {
 
     std::string list(int depth) {
         std::string text = statement(depth);
-        while (chance(3)) text += pick({"; ", " & ", " ; ", "\n", " &; "}) + statement(depth);
+        // Only outermost, since the driver waits for its own children alone.
+        const std::vector<std::string> ends = {"; ", " ; ", "\n", depth > 0 ? " & " : ";", depth > 0 ? " &; " : ";"};
+        while (chance(3)) text += pick(ends) + statement(depth);
         return text;
     }
 

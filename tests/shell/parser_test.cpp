@@ -85,6 +85,7 @@ TEST(Parser, PrintsWhatItReads) {
         {"a\nb", "a\nb"},
         {"(a)\nb", "(a); b"},
         {"echo $(a)\nb", "echo $(a); b"},
+        {"echo `a`\nb", "echo $(a); b"},
         {"for i in a \ndo b; done", "for i in a; do b; done"},
         {"\xFF\x80 \xC2", "\xFF\x80 \xC2"},
     };
