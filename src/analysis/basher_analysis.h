@@ -110,6 +110,8 @@ class BasherAnalysis {
     void addFileChange(const FileChange& change, std::optional<bool> isDirectory, bool createParentDirectories = false);
     void addSideEffect(SideEffect sideEffect);  // unless an equal one is there
     CommandResult addCommandError(std::string friendly, std::string technical);
+    // For a model whose exit code a real tool may contradict: what the line does on its account is then said to be open.
+    void doubtResult(std::string sentence) { carriedDoubts_.push_back(std::move(sentence)); }
     void requirePackage(std::string name) { state_->requiredPackages.insert(std::move(name)); }
 
     // For a real process or a read of the real disk, which cannot see the overlay.
@@ -171,6 +173,7 @@ class BasherAnalysis {
     void countCommand();
     void checkSize(std::size_t bytes) const;
     void noteDoubts(std::vector<std::string> sentences);
+    void settleDoubts(std::string_view name, std::vector<std::string> carried);
     void noteUnseen(const std::string& text);
     void noteUnseenAfter(const BashStatement& statement, std::size_t at, std::optional<int> exitCode);
     void noteUnseenBody(const BashStatementList& list);

@@ -191,6 +191,7 @@ CommandResult BasherAnalysis::runForLoop(const BashForLoop& loop, const SimStrin
     const auto items = expandWords(loop.iterableList);
     if (!items) throw BasherAnalysisError{ErrorKind::simulationError, "Can not analyse unknown items in for loop"};
     const auto itemDoubts = state_->doubts.take();
+    if (items->empty() && !itemDoubts.empty()) noteUnseenBody(loop.innerStatementList);
     CommandResult result = CommandResult::success();
     for (const auto& item : *items) {
         countCommand();
@@ -307,32 +308,40 @@ CommandResult BasherAnalysis::runSimpleCommand(const BashCommand& command, const
     noteDoubts(doubts.take());
     auto args = expandWords(command.arguments);
     if (!args) throw BasherAnalysisError{ErrorKind::simulationError, "Can not analyse command with unknown arguments"};
+    if (std::find(args->begin(), args->end(), "") != args->end() && !onlyReads(names->front()))
+        doubts.raise("An empty name stands for the current folder here, and for nothing in a shell");
     SimString input = standardInput;
     if (const auto* redirect = lastInput(command.redirects)) {
         CommandResult read = readInputRedirect(*redirect);
         if (read.exitCode != 0) {
             noteEmptiedBefore(command.redirects, *redirect);
+            settleDoubts(names->front(), std::move(carried));
             return read;
         }
         input = std::move(read.output);
     }
-    auto sentences = doubts.take();
-    sentences.insert(sentences.end(), carried.begin(), carried.end());
-    const std::string& name = names->front();
-    if (onlyReads(name)) {
-        carriedDoubts_ = std::move(sentences);
-    } else {
-        const auto& lasting = doubts.forTheRest();
-        sentences.insert(sentences.end(), lasting.begin(), lasting.end());
-        noteDoubts(std::move(sentences));
-    }
+    settleDoubts(names->front(), std::move(carried));
     auto own = std::exchange(carriedDoubts_, {});
-    CommandResult result = runCommand(name, std::move(*args), std::move(input), command);
-    carriedDoubts_ = std::move(own);
+    CommandResult result = runCommand(names->front(), std::move(*args), std::move(input), command);
+    carriedDoubts_.insert(carriedDoubts_.begin(), own.begin(), own.end());
     applyOutputRedirects(command.redirects);
     if (std::any_of(command.redirects.begin(), command.redirects.end(), takesStandardOutput))
         result.output = SimString::known("");
     return result;
+}
+
+// What is in doubt about a command's words and input is said where something could happen to them; what only reads
+// hands it on with its output and its exit code.
+void BasherAnalysis::settleDoubts(std::string_view name, std::vector<std::string> carried) {
+    auto sentences = state_->doubts.take();
+    sentences.insert(sentences.end(), carried.begin(), carried.end());
+    if (onlyReads(name)) {
+        carriedDoubts_ = std::move(sentences);
+        return;
+    }
+    const auto& lasting = state_->doubts.forTheRest();
+    sentences.insert(sentences.end(), lasting.begin(), lasting.end());
+    noteDoubts(std::move(sentences));
 }
 
 // A shell opens the files of redirects in their order, so one that stands before a missing input is emptied all the

@@ -27,7 +27,10 @@ CommandResult concatenate(BasherAnalysis& analysis, const ModelInput& input) {
     args.extractFlagsAndOptions();
     if (args.remainingArgs().empty()) return {0, input.standardInput};
     const auto check = [&](const std::string& path) -> std::optional<CommandResult> {
-        if (analysis.fileExists(analysis.resolveURL(path))) return std::nullopt;
+        const FilePath url = analysis.resolveURL(path);
+        if (analysis.isExistingDirectory(url) || path.empty())
+            analysis.doubtResult("'cat' can't print the folder '" + path + "'");
+        if (analysis.fileExists(url)) return std::nullopt;
         return failureInWords(fmt::format("cat: {}: No such file or directory", path));
     };
     return firstFailure(args.remainingArgs(), check).value_or(CommandResult{0, SimString::unknown()});
