@@ -1,0 +1,109 @@
+#include "ui/terminal/command_line_context.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "analysis/models/command_table.h"
+#include "platform/log.h"
+#include "ui/terminal/exit_code.h"
+
+namespace brindlet {
+
+namespace {
+
+// The tools that came with the program lie beside it in an installed tree: bin/brindlet, libexec/brindlet/.
+FilePath binariesFolder() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return FilePath(program.string()).parent().parent().child("libexec").child("brindlet");
+}
+
+}  // namespace
+
+CommandLineContext::CommandLineContext() : files_(openFileSystem()) {}
+
+const FilePath& CommandLineContext::currentDirectory() {
+    if (currentDirectory_) return *currentDirectory_;
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::current_path(error);
+    if (error) throw UsageError{"the current folder can't be used (" + error.message() + "): go to another one first"};
+    return currentDirectory_.emplace(path.string());
+}
+
+void CommandLineContext::useFolder(std::string_view name) {
+    if (name.empty()) throw UsageError{"--folder wants the name of a folder, and this one is empty"};
+    const FilePath path = name.front() == '/' ? FilePath(name) : FilePath::resolve(name, currentDirectory());
+    switch (files_->look(path)) {
+        case ItemKind::missing:
+            throw UsageError{fmt::format("there is no folder '{}': name one that exists with --folder", name)};
+        case ItemKind::file:
+            throw UsageError{fmt::format("'{}' is no folder: name one with --folder", name)};
+        case ItemKind::folder:
+            break;
+    }
+    if (::access(path.text().c_str(), R_OK | X_OK) != 0)
+        throw UsageError{fmt::format("the folder '{}' can't be read: choose another with --folder", name)};
+    folder_ = path;
+}
+
+const FilePath& CommandLineContext::folder() {
+    if (!folder_) folder_ = currentDirectory();
+    return *folder_;
+}
+
+std::vector<FilePath> CommandLineContext::existingFiles(const std::vector<std::string>& names) {
+    std::vector<FilePath> paths;
+    paths.reserve(names.size());
+    for (const std::string& name : names) {
+        if (name.empty()) throw UsageError{"a FILE is an empty name: leave it out or name a file"};
+        const FilePath path = name.front() == '/' ? FilePath(name) : FilePath::resolve(name, currentDirectory());
+        if (files_->look(path) == ItemKind::missing)
+            throw UsageError{fmt::format("there is no file '{}': a FILE must exist", name)};
+        paths.push_back(path);
+    }
+    return paths;
+}
+
+const Environment& CommandLineContext::environment() {
+    if (!environment_) environment_ = processEnvironment();
+    return *environment_;
+}
+
+SettingsStore& CommandLineContext::settings() {
+    if (!settings_) settings_.emplace(configFolder().child("settings.json"));
+    return *settings_;
+}
+
+LogFile& CommandLineContext::log() {
+    if (!log_) log_ = std::make_unique<LogFile>(dataFolder().child("Logs"));
+    return *log_;
+}
+
+void CommandLineContext::startLogging() {
+    installLogSink([&file = log()](LogLevel level, std::string_view message) { file.write(level, message); });
+}
+
+ToolSearchPath& CommandLineContext::searchPath() {
+    if (!searchPath_)
+        searchPath_ =
+            std::make_unique<ToolSearchPath>(*files_, dataFolder().child("Packages"), binariesFolder(), environment());
+    return *searchPath_;
+}
+
+const AnalysisServices& CommandLineContext::analysisServices() {
+    if (!services_) {
+        launcher_ = openReadOnlyLauncher();
+        services_.emplace(AnalysisServices{.files = *files_,
+                                           .launcher = *launcher_,
+                                           .commands = builtInCommands(),
+                                           .toolSearchPath = [this] { return searchPath().text(); },
+                                           .home = homeFolder()});
+    }
+    return *services_;
+}
+
+}  // namespace brindlet
