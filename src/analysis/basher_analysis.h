@@ -125,7 +125,13 @@ class BasherAnalysis {
     // come back through here.
     CommandResult runCommand(std::string_view name, std::vector<std::string> args, SimString standardInput,
                              const BashCommand& command);
+    // The same for a command that another carries (find -exec, xargs): one level deeper, and in a process of its own.
+    CommandResult runCarriedCommand(std::string_view name, std::vector<std::string> args, SimString standardInput,
+                                    const BashCommand& command);
     const BashCommand& currentCommand() const { return *currentCommand_; }
+
+    // A shell within the line, as of `bash -c`, for as long as the object lives (own_process.h).
+    class OwnShell;
 
     // Shell variables. Setting one clears what was in doubt about it.
     std::optional<std::string> variable(std::string_view name) const;

@@ -6,6 +6,7 @@
 
 #include "analysis/basher_analysis.h"
 #include "analysis/known_commands.h"
+#include "analysis/own_process.h"
 
 namespace brindlet {
 
@@ -65,6 +66,13 @@ CommandResult BasherAnalysis::runCommand(std::string_view name, std::vector<std:
                        fmt::format("'{}' is part of the shell itself, and what it does isn't shown here", name)});
     ModelInput input{name, std::move(args), std::move(standardInput), command};
     return namesFile(name) ? runPath(*this, std::move(input)) : runNamed(*this, std::move(input));
+}
+
+CommandResult BasherAnalysis::runCarriedCommand(std::string_view name, std::vector<std::string> args,
+                                                SimString standardInput, const BashCommand& command) {
+    const Depth depth(*this);
+    const OwnProcess process(*this);
+    return runCommand(name, std::move(args), std::move(standardInput), command);
 }
 
 }  // namespace brindlet

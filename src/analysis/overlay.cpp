@@ -83,9 +83,20 @@ const FileHistory* Overlay::known(const FilePath& path) const {
 void Overlay::noteCaseTwin(const FilePath& path, const FileHistory& known) {
     if (path == known.originalExactPath || path == known.currentExactPath) return;
     if (!twinsLookedAt_.insert(path.text()).second) return;
-    if (files_.look(path) != ItemKind::missing)
-        caseTwins_.push_back("'" + std::string(path.name()) + "' and '" + std::string(known.originalExactPath.name()) +
-                             "' are taken for one file here, but this disk may tell capital letters apart");
+    // One file or two: the disk says which, as long as nothing was done to it here.
+    const bool stands = files_.look(path) != ItemKind::missing;
+    const bool bothStand = stands && known.history.front().type == FileStateType::originallyExisted;
+    if (bothStand || stands != known.exists()) caseTwins_.push_back({path, &known});
+}
+
+std::vector<std::string> Overlay::caseTwins() const {
+    std::vector<std::string> sentences;
+    for (const auto& [path, known] : caseTwins_) {
+        if (known->currentExactPath == path) continue;  // a file that only changed the case of its name
+        sentences.push_back("'" + std::string(path.name()) + "' and '" + std::string(known->originalExactPath.name()) +
+                            "' are taken for one file here, but this disk may tell capital letters apart");
+    }
+    return sentences;
 }
 
 void Overlay::addFileChange(const FileChange& change, std::optional<bool> isDirectory, bool createParentDirectories,

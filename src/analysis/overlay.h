@@ -52,9 +52,9 @@ class Overlay {
     // The touched paths that stand directly in `folder` now.
     std::vector<const FileHistory*> touchedIn(const FilePath& folder) const;
 
-    // A sentence for each path that differs from one touched before in nothing but case, while the disk holds something
-    // there too: two files that the simulation takes for one.
-    const std::vector<std::string>& caseTwins() const { return caseTwins_; }
+    // A sentence for each path that differs from one touched before in nothing but case, where the disk has another
+    // answer for it: two files that the simulation takes for one.
+    std::vector<std::string> caseTwins() const;
 
   private:
     void applyDelete(const FilePath& path, FileHistory& target);
@@ -70,7 +70,7 @@ class Overlay {
     std::unordered_map<std::string, std::unique_ptr<FileHistory>> histories_;  // by lower-cased path
     std::multimap<std::string, FileHistory*, std::less<>> byCurrentPath_;
     std::unordered_map<std::string, std::optional<std::vector<std::string>>> realNames_;
-    std::vector<std::string> caseTwins_;
+    std::vector<std::pair<FilePath, const FileHistory*>> caseTwins_;
     std::unordered_set<std::string> twinsLookedAt_;
 };
 

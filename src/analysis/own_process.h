@@ -3,6 +3,9 @@
 // it is said.
 #pragma once
 
+#include <string_view>
+#include <unordered_set>
+
 #include "analysis/basher_analysis.h"
 
 namespace brindlet {
@@ -30,6 +33,45 @@ class BasherAnalysis::OwnProcess {
     BasherAnalysis& analysis_;
     std::string folder_;
     std::size_t assignmentsBefore_;
+};
+
+// A shell that the line starts: the simulated variables and the folder go on into it, and are put back in full behind
+// it. Of the variables that the line has set, a real one sees only what is exported; the use of the others is in doubt.
+class BasherAnalysis::OwnShell {
+  public:
+    explicit OwnShell(BasherAnalysis& analysis)
+        : analysis_(analysis),
+          environment_(analysis.environment_),
+          pathPrefixes_(analysis.pathPrefixes_),
+          isPathLearnt_(analysis.isPathLearnt_),
+          assignmentsBefore_(analysis.assignedNames_.size()),
+          doubts_(analysis.state_->doubts),
+          command_(analysis.currentCommand_) {
+        std::unordered_set<std::string_view> names{"PWD", "OLDPWD"};
+        for (const auto& name : analysis.assignedNames_)
+            if (names.insert(name).second)
+                analysis.state_->doubts.taint(
+                    name, {"A new shell sees '$" + name + "' only if it is exported, which isn't shown here"});
+    }
+    OwnShell(const OwnShell&) = delete;
+    OwnShell& operator=(const OwnShell&) = delete;
+    ~OwnShell() {
+        analysis_.environment_ = std::move(environment_);
+        analysis_.pathPrefixes_ = std::move(pathPrefixes_);
+        analysis_.isPathLearnt_ = isPathLearnt_;
+        analysis_.assignedNames_.resize(assignmentsBefore_);
+        analysis_.state_->doubts = std::move(doubts_);
+        analysis_.currentCommand_ = command_;
+    }
+
+  private:
+    BasherAnalysis& analysis_;
+    Environment environment_;
+    std::optional<std::vector<std::string>> pathPrefixes_;
+    bool isPathLearnt_;
+    std::size_t assignmentsBefore_;
+    Doubts doubts_;
+    const BashCommand* command_;
 };
 
 // One level of substitutions, groups and shells within shells.

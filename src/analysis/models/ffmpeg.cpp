@@ -34,6 +34,11 @@ CommandResult finishedAfterLong(BasherAnalysis& analysis) {
     return {0, SimString::unknown()};
 }
 
+CommandResult convertedAfterLong(BasherAnalysis& analysis, std::string_view tool) {
+    analysis.doubtResult(fmt::format("'{}' may fail, since no film is looked into", tool));
+    return finishedAfterLong(analysis);
+}
+
 std::optional<CommandResult> missingInput(BasherAnalysis& analysis, std::string_view tool, const std::string& path) {
     if (analysis.fileExists(analysis.resolveURL(path))) return std::nullopt;
     return failureInWords(fmt::format("{}: {}: No such file or directory", tool, path));
@@ -59,7 +64,7 @@ CommandResult convertMedia(BasherAnalysis& analysis, const ModelInput& input) {
     }
     for (const std::string& path : parsed.outputPaths)
         analysis.addFileChange(creation(analysis.resolveURL(path)), false);
-    return finishedAfterLong(analysis);
+    return convertedAfterLong(analysis, "ffmpeg");
 }
 
 CommandResult probeMedia(BasherAnalysis& analysis, const ModelInput& input) {
@@ -73,7 +78,11 @@ CommandResult probeMedia(BasherAnalysis& analysis, const ModelInput& input) {
     if (inputs.empty())
         return analysis.addCommandError("ffprobe command incorrectly written", "ffprobe: missing input file");
     const auto missing = [&](const std::string& path) { return missingInput(analysis, "ffprobe", path); };
-    if (auto failure = firstFailure(inputs, missing)) return *failure;
+    if (auto failure = firstFailure(inputs, missing)) {
+        // What is missing may be an option's value, such as the "error" of "-v error".
+        analysis.doubtResult("'ffprobe' may find an input after all");
+        return *failure;
+    }
     return finishedAfterLong(analysis);
 }
 
@@ -81,7 +90,7 @@ CommandResult makeAnimatedGif(BasherAnalysis& analysis, const ModelInput& input)
     analysis.requirePackage(std::string(ffmpegPackage));
     analysis.requirePackage(std::string(gifsiclePackage));
     if (input.args.empty() || hasAnyFlag(input.args, gifHelpWords))
-        return runForHelp(analysis, input.name, input.args);
+        return analysis.runRealCommand(input.name, SimString::known(""), input.args);
     ArgExtractor args = wordsOf(input);
     const Words flags = args.extractFlagsAndOptions(gifOptions).flags;
     if (const auto flag = firstUnsupported(flags, gifFlags))
@@ -96,7 +105,7 @@ CommandResult makeAnimatedGif(BasherAnalysis& analysis, const ModelInput& input)
         return analysis.addCommandError("GIF source doesn’t exist",
                                         fmt::format("{}: {}: No such file or directory", input.name, source));
     analysis.addFileChange(creation(analysis.resolveURL(operands.back())), false);
-    return finishedAfterLong(analysis);
+    return convertedAfterLong(analysis, input.name);
 }
 
 }  // namespace brindlet

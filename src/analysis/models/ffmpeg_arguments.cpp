@@ -15,6 +15,7 @@ namespace {
 using Words = std::vector<std::string>;
 using Values = ArgExtractor::FlagsAndOptions;
 
+// clang-format off
 constexpr std::string_view optionsWithValue[] = {
     "vf", "af", "filter:v", "filter:a", "filter_complex", "filter_complex_script", "c", "c:v", "c:a", "codec",
     "codec:v", "codec:a", "vcodec", "acodec", "b:v", "b:a", "crf", "q", "q:v", "q:a", "s", "r", "aspect", "ss", "t",
@@ -23,6 +24,7 @@ constexpr std::string_view optionsWithValue[] = {
     "vsync", "async", "segment_time", "segment_format", "segment_list", "segment_list_size", "hls_time",
     "hls_segment_filename", "hls_flags", "hwaccel", "hwaccel_output_format", "f",
 };
+// clang-format on
 constexpr std::string_view optionsWithoutValue[] = {
     "an", "vn", "sn", "dn", "shortest", "copyts", "start_at_zero",
 };

@@ -14,8 +14,8 @@ struct FFmpegParsedArguments {
     std::string inputPath;   // the first input
     std::string outputPath;  // the last output
     std::vector<std::string> inputPaths;
-    std::vector<std::string> outputPaths;      // the words at the end that look like file names
-    std::optional<std::int64_t> targetWidth;   // from a plain scale filter or from -s
+    std::vector<std::string> outputPaths;     // the words at the end that look like file names
+    std::optional<std::int64_t> targetWidth;  // from a plain scale filter or from -s
     std::optional<std::int64_t> targetHeight;
     std::optional<std::int64_t> videoBitrate;  // bits per second, as the audio's
     std::optional<std::string> videoCodec;

@@ -1,8 +1,6 @@
 #include "analysis/models/ffmpeg_hazards.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -17,22 +15,26 @@ namespace {
 
 // ffmpeg 5.1, `ffmpeg -h long`: the options that take no value. Every other one takes the word behind it, whatever
 // that is.
+// clang-format off
 constexpr std::string_view optionsWithoutValue[] = {
     "L", "version", "buildconf", "formats", "muxers", "demuxers", "devices", "codecs", "decoders", "encoders", "bsfs",
     "protocols", "filters", "pix_fmts", "layouts", "sample_fmts", "dispositions", "colors", "hwaccels", "report", "y",
-    "n", "ignore_unknown", "stats", "hide_banner", "copy_unknown", "recast_media", "benchmark", "benchmark_all", "stdin",
-    "dump", "hex", "copyts", "start_at_zero", "xerror", "auto_conversion_filters", "debug_ts", "psnr", "vstats",
-    "qphist", "accurate_seek", "re", "shortest", "bitexact", "copyinkf", "find_stream_info", "autorotate", "autoscale",
-    "vn", "an", "sn", "dn", "force_fps", "fix_sub_duration",
+    "n", "ignore_unknown", "stats", "hide_banner", "copy_unknown", "recast_media", "benchmark", "benchmark_all",
+    "stdin", "dump", "hex", "copyts", "start_at_zero", "xerror", "auto_conversion_filters", "debug_ts", "psnr",
+    "vstats", "qphist", "accurate_seek", "re", "shortest", "bitexact", "copyinkf", "find_stream_info", "autorotate",
+    "autoscale", "vn", "an", "sn", "dn", "force_fps", "fix_sub_duration",
 };
+// clang-format on
 
 // Options that make a file beside the outputs, or read on in a file.
+// clang-format off
 constexpr std::string_view writingOptions[] = {
     "report", "vstats", "vstats_file", "sdp_file", "progress", "pass", "dump_attachment", "stats_enc_pre",
     "stats_enc_post", "stats_mux_pre", "print_graphs_file", "segment_list", "hls_segment_filename",
     "hls_fmp4_init_filename", "master_pl_name", "init_seg_name", "media_seg_name", "single_file_name",
     "filter_complex_script", "filter_script", "fpre", "vpre", "apre", "spre", "pre",
 };
+// clang-format on
 // Formats that make several files or pass on what they get, and the extensions that stand for some of them.
 constexpr std::string_view spreadingFormats[] = {
     "tee", "hls", "segment", "stream_segment", "ssegment", "dash", "smoothstreaming", "hds", "webm_chunk", "fifo",
@@ -40,8 +42,8 @@ constexpr std::string_view spreadingFormats[] = {
 constexpr std::string_view spreadingExtensions[] = {".m3u8", ".mpd"};
 // Filters that write a file, listen or load code.
 constexpr std::string_view reachingFilters[] = {
-    "metadata", "ametadata", "psnr", "ssim", "xpsnr", "libvmaf", "vmafmotion", "signature", "zmq", "azmq", "frei0r",
-    "frei0r_src", "ladspa", "lv2", "whisper",
+    "metadata", "ametadata", "psnr",   "ssim",       "xpsnr",  "libvmaf", "vmafmotion", "signature",
+    "zmq",      "azmq",      "frei0r", "frei0r_src", "ladspa", "lv2",     "whisper",
 };
 constexpr std::string_view reachingTexts[] = {"vidstabdetect", "stats_file", "log_path"};
 // What an encoder's own parameters may hold: "stats=x264.log".
@@ -87,12 +89,13 @@ Division divide(const Words& words) {
     return division;
 }
 
+bool isAsciiLetterOrDigit(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
 // "https:" of "https://x", as ffmpeg finds the protocol of a name.
 std::string_view protocol(std::string_view name) {
-    const auto isProtocolCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '-' ||
-               c == '.';
-    };
+    const auto isProtocolCharacter = [](char c) { return isAsciiLetterOrDigit(c) || c == '+' || c == '-' || c == '.'; };
     const auto end = std::find_if_not(name.begin(), name.end(), isProtocolCharacter);
     if (end == name.begin() || end == name.end() || *end != ':') return {};
     return name.substr(0, static_cast<std::size_t>(end - name.begin()) + 1);
@@ -105,18 +108,14 @@ bool isNoFile(std::string_view output) {
 
 // "%d", "%03d", or a mark of the time.
 bool isPattern(std::string_view name) {
-    return contains(name, "%");
-}
-
-bool endsInAny(std::string_view text, AcceptedFlags endings) {
-    return std::any_of(endings.begin(), endings.end(), [&](auto ending) { return text.ends_with(ending); });
+    const auto percent = std::adjacent_find(name.begin(), name.end(),
+                                            [](char c, char next) { return c == '%' && isAsciiLetterOrDigit(next); });
+    return percent != name.end();
 }
 
 // Whether `name` stands in a filter description as the name of a filter or parameter: "ssim=", "ssim@id=".
 bool namesFilter(std::string_view text, std::string_view name) {
-    const auto isWordCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-    };
+    const auto isWordCharacter = [](char c) { return isAsciiLetterOrDigit(c) || c == '_'; };
     for (std::size_t at = text.find(name); at != std::string_view::npos; at = text.find(name, at + 1)) {
         const std::size_t end = at + name.size();
         if (at > 0 && isWordCharacter(text[at - 1])) continue;
@@ -198,11 +197,10 @@ std::vector<SideEffect> ffmpegHazards(const std::vector<std::string>& words, con
 }
 
 std::vector<SideEffect> ffprobeHazards(const std::vector<std::string>& words) {
-    const Division division = divide(words);
     Hazards hazards;
-    for (const Option& option : division.options)
-        if (option.name == "o" || option.name == "report" || option.name.starts_with('/'))
-            hazards.files(fmt::format("ffprobe: '-{}' may write files that aren't shown here", option.name));
+    for (const std::string& word : words)
+        if (word == "-o" || word == "-report" || word.starts_with("-/"))
+            hazards.files(fmt::format("ffprobe: '{}' may write files that aren't shown here", word));
     hazards.ofWords("ffprobe", words);
     return hazards.found;
 }

@@ -41,6 +41,7 @@ GsWords readGsWords(const Words& args) {
 struct GsHazard {
     std::string_view prefix;
     std::string_view sentence;  // with a place for the word
+    bool isWholeWord = false;
 };
 
 constexpr GsHazard gsHazards[] = {
@@ -50,7 +51,7 @@ constexpr GsHazard gsHazards[] = {
     {"%pipe%", "Ghostscript runs the program in {}"},
     // Where Ghostscript looks for the code that it starts with.
     {"-I", "Ghostscript may run PostScript code found through {}"},
-    {"-P", "Ghostscript may run PostScript code found through {}"},
+    {"-P", "Ghostscript may run PostScript code found through {}", true},
     {"-sGenericResourceDir", "Ghostscript may run PostScript code found through {}"},
     {"-sIjsServer", "Ghostscript runs the program in {}"},
     {"-sDriver", "Ghostscript runs the driver in {}"},
@@ -61,8 +62,8 @@ constexpr std::string_view safeModeMark = "SAFER";
 constexpr std::string_view safeModeWords[] = {"-dSAFER", "-dSAFER=true", "-dPARANOIDSAFER"};
 
 void noteHazards(BasherAnalysis& analysis, const std::string& word) {
-    for (const auto& [prefix, sentence] : gsHazards)
-        if (word.starts_with(prefix))
+    for (const auto& [prefix, sentence, isWholeWord] : gsHazards)
+        if (isWholeWord ? word == prefix : word.starts_with(prefix))
             notePartialSupport(analysis, fmt::format(fmt::runtime(sentence), quotedForSentence(word)));
     if (word.starts_with('-') && contains(word, safeModeMark) && !isAmong(word, safeModeWords))
         notePartialSupport(analysis, fmt::format("Ghostscript lets documents change files and run programs with {}",

@@ -103,6 +103,7 @@ CommandResult touchFiles(BasherAnalysis& analysis, const ModelInput& input) {
     ArgExtractor operands(input.name, ArgExtractor::Style::defaultStyle, Words(behindOptions, input.args.end()));
     operands.extractOptionsAtStart(touchOptions);
     if (operands.remainingArgs().empty()) return {1, SimString::unknown()};
+    noteEndOfOptions(analysis, input.name, operands.remainingArgs());
     for (const auto& path : operands.remainingArgs()) {
         const FilePath url = analysis.resolveURL(path);
         // A new time stamp on what is there is no change worth showing.

@@ -25,6 +25,7 @@ using AcceptedFlags = std::span<const std::string_view>;
 ArgExtractor wordsOf(const ModelInput& input, ArgExtractor::Style style = ArgExtractor::Style::defaultStyle);
 
 bool isAmong(std::string_view word, AcceptedFlags words);
+bool endsInAny(std::string_view text, AcceptedFlags endings);
 bool hasFlag(const Words& flags, std::string_view name);
 bool hasAnyFlag(const Words& flags, AcceptedFlags names);
 
@@ -42,6 +43,20 @@ FileChange moving(const FilePath& source, const FilePath& target);
 FilePath placeIn(const FilePath& folder, const FilePath& item);
 // A destination operand: inside it if it is a folder that exists, else the path itself.
 FilePath placeAt(BasherAnalysis& analysis, const FilePath& destination, const FilePath& item);
+
+// Whether a command, by its row, can do no more than read and print. A name without a row may do anything.
+bool commandOnlyReads(const BasherAnalysis& analysis, std::string_view name);
+
+// Says that a "--" among the operands, which is taken for a name like any other, ends the options for the real tool.
+void noteEndOfOptions(BasherAnalysis& analysis, std::string_view command, const Words& operands);
+
+// Puts words in behind the command's name where the line is printed, unless the first of them stands there already.
+// False, with nothing set, where it can't be told which of the printed words is the name: another command may carry this
+// one, as `xargs` does.
+bool insertOnPrinting(const ModelInput& input, Words words);
+
+// Says that files may change that the prediction doesn't show.
+void noteUnknownChanges(BasherAnalysis& analysis, std::string sentence);
 
 // A failure that only the tool's own words show.
 CommandResult failureInWords(std::string technical);

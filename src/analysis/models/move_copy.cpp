@@ -30,6 +30,12 @@ CommandResult moveIntoItself(BasherAnalysis& analysis, const std::string& source
                                     fmt::format("mv: rename {} to {}: Invalid argument", source, destination));
 }
 
+void recordMove(BasherAnalysis& analysis, const FilePath& source, const FilePath& target, bool isDirectory) {
+    if (source == target)  // GNU and BSD tools alike refuse it
+        analysis.doubtResult(fmt::format("'mv' fails for '{}', which would stay where it is", source.name()));
+    analysis.addFileChange(moving(source, target), isDirectory);
+}
+
 CommandResult moveOne(BasherAnalysis& analysis, const std::string& from, const std::string& to, bool keepsLinks) {
     const FilePath written = analysis.resolveURL(from);
     if (!analysis.fileExists(written)) return moveSourceMissing(analysis, written);
@@ -38,7 +44,7 @@ CommandResult moveOne(BasherAnalysis& analysis, const std::string& from, const s
     const FilePath target = placeAt(analysis, analysis.resolveURL(to), source);
     if (isDirectory && isSameOrInside(analysis.files().resolvingLinks(target), analysis.files().resolvingLinks(source)))
         return moveIntoItself(analysis, from, to);
-    analysis.addFileChange(moving(source, target), isDirectory);
+    recordMove(analysis, source, target, isDirectory);
     return CommandResult::success();
 }
 
@@ -62,7 +68,7 @@ CommandResult moveIntoFolder(BasherAnalysis& analysis, const Words& sources, con
             moveIntoItself(analysis, from, destination);
             hasFailed = true;
         } else {
-            analysis.addFileChange(moving(source, placeIn(folder, source)), isDirectory);
+            recordMove(analysis, source, placeIn(folder, source), isDirectory);
         }
     }
     return silentResult(hasFailed);

@@ -11,10 +11,11 @@ namespace {
 
 // --- how qpdf itself reads its words (11.3, `qpdf --help=usage`), for what the prediction's simpler reading misses ---
 
-// Each opens a list of words of its own, which ends at "--".
+// Each opens a list of words of its own, which ends at "--" and mostly begins with the name of a file to read.
 constexpr std::string_view segmentOptions[] = {
     "add-attachment", "copy-attachments-from", "encrypt", "overlay", "pages", "set-page-labels", "underlay",
 };
+constexpr std::string_view filelessSegments[] = {"encrypt", "set-page-labels"};
 
 struct QpdfHazard {
     std::string_view option;
@@ -30,7 +31,8 @@ constexpr QpdfHazard qpdfHazards[] = {
 
 struct QpdfReading {
     Words operands;
-    Words oddWords;  // words that stand for more words, or name a file to write
+    Words segmentFiles;  // other documents to read: the first word of a segment
+    Words oddWords;      // words that stand for more words, or name a file to write
     bool hasNoInput = false;
     bool replacesInput = false;
     bool splitsPages = false;
@@ -59,28 +61,40 @@ const QpdfHazard* hazardOf(std::string_view option) {
     return nullptr;
 }
 
+void readOption(QpdfReading& reading, const std::string& word) {
+    const std::string_view option = optionName(word);
+    reading.hasNoInput |= option == "empty";
+    reading.replacesInput |= option == "replace-input";
+    reading.splitsPages |= option == "split-pages";
+    if (hazardOf(option)) reading.oddWords.push_back(word);
+}
+
 QpdfReading readAsQpdf(const Words& args) {
     QpdfReading reading;
     bool isInSegment = false;
+    bool mayBeFile = false;
     for (const auto& word : args) {
         if (word.size() > 1 && word.starts_with('@')) {
             reading.oddWords.push_back(word);
         } else if (word == "--") {
             isInSegment = false;
         } else if (isInSegment) {
-            continue;
+            if (mayBeFile) reading.segmentFiles.push_back(word);
+            mayBeFile = false;
         } else if (word.starts_with('-') && !isStandardStream(word)) {
-            const std::string_view option = optionName(word);
-            isInSegment = isAmong(option, segmentOptions);
-            reading.hasNoInput |= option == "empty";
-            reading.replacesInput |= option == "replace-input";
-            reading.splitsPages |= option == "split-pages";
-            if (hazardOf(option)) reading.oddWords.push_back(word);
+            readOption(reading, word);
+            isInSegment = isAmong(optionName(word), segmentOptions);
+            mayBeFile = !isAmong(optionName(word), filelessSegments);
         } else {
             reading.operands.push_back(word);
         }
     }
     return reading;
+}
+
+// Whether qpdf, too, looks for this document, and so fails before it writes.
+bool opens(const QpdfReading& reading, const std::string& document) {
+    return reading.oddWords.empty() && (reading.input() == document || hasFlag(reading.segmentFiles, document));
 }
 
 void noteOddWord(BasherAnalysis& analysis, const std::string& word) {
@@ -95,8 +109,7 @@ bool isSeries(std::string_view output) {
 }
 
 // `shown` is the output that the prediction has made a change or a side effect of.
-void noteUnshown(BasherAnalysis& analysis, const Words& args, const std::optional<std::string>& shown) {
-    const QpdfReading reading = readAsQpdf(args);
+void noteUnshown(BasherAnalysis& analysis, const QpdfReading& reading, const std::optional<std::string>& shown) {
     for (const auto& word : reading.oddWords) noteOddWord(analysis, word);
     const auto output = reading.output();
     if (!output || isStandardStream(*output)) return;
@@ -116,10 +129,9 @@ CommandResult rewritePdf(BasherAnalysis& analysis, const ModelInput& input) {
     const Words& operands = args.remainingArgs();
     if (operands.empty())
         return analysis.addCommandError("qpdf missing input file", "qpdf: at least an input PDF must be specified");
+    const QpdfReading reading = readAsQpdf(input.args);
     if (const auto missing = firstMissingDocument(analysis, {operands.front()})) {
-        // Where the first operand as read here is qpdf's own input as well, nothing is written.
-        const QpdfReading reading = readAsQpdf(input.args);
-        if (reading.input() != missing || !reading.oddWords.empty()) noteUnshown(analysis, input.args, std::nullopt);
+        if (!opens(reading, *missing)) noteUnshown(analysis, reading, std::nullopt);
         return failureInWords(notFound("qpdf", *missing));
     }
     const std::optional<std::string> output = operands.size() > 1 ? std::optional(operands.back()) : std::nullopt;
@@ -127,7 +139,7 @@ CommandResult rewritePdf(BasherAnalysis& analysis, const ModelInput& input) {
         notePartialSupport(analysis, "qpdf may create multiple files matching " + *output);
     else if (output && !isStandardStream(*output))
         createDocument(analysis, *output);
-    noteUnshown(analysis, input.args, output);
+    noteUnshown(analysis, reading, output);
     return {0, SimString::unknown()};
 }
 

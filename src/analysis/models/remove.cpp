@@ -93,6 +93,7 @@ CommandResult removeFiles(BasherAnalysis& analysis, const ModelInput& input) {
     const RemoveOptions options{.isForced = hasFlag(flags, "f"),
                                 .isRecursive = hasAnyFlag(flags, recursiveFlags),
                                 .removesEmptyFolders = hasFlag(flags, "d")};
+    noteEndOfOptions(analysis, input.name, args.remainingArgs());
     const auto remove = [&](const std::string& path) { return removeItem(analysis, path, options); };
     return firstFailure(args.remainingArgs(), remove).value_or(CommandResult::success());
 }

@@ -99,34 +99,36 @@ std::optional<std::string> readConversion(const Words& args, Conversion& convers
     return std::nullopt;
 }
 
-// A path is taken apart as text: an extension may hold slashes, which lead elsewhere.
+// An extension may hold slashes, which lead elsewhere.
 FilePath withEnding(const FilePath& place, std::string_view ending) {
     return FilePath::resolve(std::string(pathBaseName(place.name())) + std::string(ending), place.parent());
 }
 
-void makeFile(BasherAnalysis& analysis, const FilePath& place, const Conversion& conversion) {
-    analysis.addFileChange(creation(place), false);
+// The files that are made, in order.
+std::vector<FilePath> outputsOf(BasherAnalysis& analysis, const Conversion& conversion, bool joins) {
+    const std::string ending = "." + conversion.newExtension();
+    if (joins) return {analysis.resolveURL(conversion.output.value_or("out" + ending))};
+    std::vector<FilePath> outputs;
+    if (!conversion.output) {
+        for (const auto& path : conversion.inputs) outputs.push_back(withEnding(analysis.resolveURL(path), ending));
+        return outputs;
+    }
+    const FilePath first = analysis.resolveURL(*conversion.output);
+    outputs.push_back(first);
+    for (std::size_t number = 2; number <= conversion.inputs.size(); ++number)
+        outputs.push_back(withEnding(first, fmt::format("_{}{}", number, ending)));
+    return outputs;
+}
+
+void noteUnshownOverwrites(BasherAnalysis& analysis, const std::vector<FilePath>& outputs) {
+    for (const auto& output : outputs) noteUnshownOverwrite(analysis, "textutil", output.text());
+}
+
+void makeOutputs(BasherAnalysis& analysis, const Conversion& conversion, const std::vector<FilePath>& outputs) {
+    for (const auto& output : outputs) analysis.addFileChange(creation(output), false);
     // The tool gives this format an extension of another name.
     if (conversion.extension || conversion.output || lowercased(*conversion.format) != "wordml") return;
-    noteUnshownOverwrite(analysis, "textutil", withEnding(place, ".xml").text());
-}
-
-void joinInputs(BasherAnalysis& analysis, const Conversion& conversion) {
-    const std::string place = conversion.output.value_or("out." + conversion.newExtension());
-    makeFile(analysis, analysis.resolveURL(place), conversion);
-}
-
-void convertInputs(BasherAnalysis& analysis, const Conversion& conversion) {
-    const std::string ending = "." + conversion.newExtension();
-    if (!conversion.output) {
-        for (const auto& path : conversion.inputs)
-            makeFile(analysis, withEnding(analysis.resolveURL(path), ending), conversion);
-        return;
-    }
-    const FilePath output = analysis.resolveURL(*conversion.output);
-    makeFile(analysis, output, conversion);
-    for (std::size_t number = 2; number <= conversion.inputs.size(); ++number)
-        makeFile(analysis, withEnding(output, fmt::format("_{}{}", number, ending)), conversion);
+    for (const auto& output : outputs) noteUnshownOverwrite(analysis, "textutil", withEnding(output, ".xml").text());
 }
 
 CommandResult convert(BasherAnalysis& analysis, const ModelInput& input, bool joins) {
@@ -141,14 +143,18 @@ CommandResult convert(BasherAnalysis& analysis, const ModelInput& input, bool jo
     const auto isUnchanged = [&](const std::string& path) {
         return analysis.fileHistory(analysis.resolveURL(path)).isUnchangedOriginal();
     };
-    if (!std::all_of(conversion.inputs.begin(), conversion.inputs.end(), isUnchanged))
-        return CommandResult::unpredictable();
+    const bool canBeRead = std::all_of(conversion.inputs.begin(), conversion.inputs.end(), isUnchanged);
     if (conversion.goesToStandardOutput) {
         // Only the first of several outputs goes there.
         if ((!joins && conversion.inputs.size() > 1) || conversion.output) noteWritingWords(analysis, input.args);
-        return runTextutil(analysis, input);
+        return canBeRead ? runTextutil(analysis, input) : CommandResult::unpredictable();
     }
-    joins ? joinInputs(analysis, conversion) : convertInputs(analysis, conversion);
+    const std::vector<FilePath> outputs = outputsOf(analysis, conversion, joins);
+    if (!canBeRead) {
+        noteUnshownOverwrites(analysis, outputs);
+        return CommandResult::unpredictable();
+    }
+    makeOutputs(analysis, conversion, outputs);
     return CommandResult::success();
 }
 
