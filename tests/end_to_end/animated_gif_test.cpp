@@ -114,6 +114,14 @@ TEST_F(AnimatedGif, QuitsWithASentence) {
     EXPECT_EQ(disk.snapshot(), before);
 }
 
+TEST_F(AnimatedGif, NamesTheMissingEngine) {
+    engines.link("bash", "/bin/bash");
+    std::filesystem::remove(engines.path("gifsicle").text());
+    path = "";
+    EXPECT_EQ(run({"in.mov", "out.gif"}), 69);
+    EXPECT_NE(output.find("gifsicle is missing"), std::string::npos) << output;
+}
+
 TEST_F(AnimatedGif, AFailureLeavesNothing) {
     disk.write("out.gif", "old");
     const auto before = disk.snapshot();
