@@ -220,7 +220,8 @@ std::optional<std::string> operationDoubt(const std::string& name, const Paramet
     const RawOperation raw = rawOperation(operation);
     const auto doubt = [&] { return std::optional(mayMeanOther("${" + name + print(operation) + "}")); };
     if (raw.text.find_first_of("$\"'\\~") != std::string::npos) return doubt();
-    if (raw.kind == RawOperation::Kind::removal && value.size() <= longestComparedValue &&
+    const bool isPlain = raw.text.find_first_of("*?[") == std::string::npos;
+    if (raw.kind == RawOperation::Kind::removal && !isPlain && value.size() <= longestComparedValue &&
         shellRemoval(raw, value) != result)
         return doubt();
     // A shell reads brackets as a set, and "&" in a replacement as what was matched (bash 5.2, patsub_replacement).

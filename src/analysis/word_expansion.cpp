@@ -14,6 +14,7 @@
 #include "text/overloaded.h"
 #include "text/regex.h"
 #include "text/strings.h"
+#include "text/utf8.h"
 
 namespace brindlet {
 
@@ -118,6 +119,13 @@ enum class MatchLength { shortest, longest };
 std::string withoutMatch(const std::string& value, const std::string& patternText, End end, MatchLength wanted) {
     const Pattern pattern = patternOf(patternText);
     if (value.empty()) return value;
+    // Plain text, as in ${name%.jpg}, needs no trying out where every byte is a character.
+    if (pattern.isConstant() && asciiRunLength(value, 0) == value.size() && !contains(value, "\r")) {
+        const std::string& text = std::get<Pattern::Constant>(pattern.sections().front()).text;
+        const std::size_t kept = value.size() - std::min(text.size(), value.size());
+        if (end == End::start) return value.starts_with(text) ? value.substr(text.size()) : value;
+        return value.ends_with(text) ? value.substr(0, kept) : value;
+    }
     if (value.size() > longestMatchedValue)
         throw BasherAnalysisError{ErrorKind::simulationError, "The line makes a text that is too long to simulate"};
     // Byte offsets of the cuts, from the shortest piece to the longest.
