@@ -25,7 +25,7 @@ constexpr std::string_view plainFlags[] = {
     "d", "delete", "u", "update", "m", "move", "r", "recurse-paths", "R", "recurse-patterns", "q", "quiet", "v",
     "verbose", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "j", "junk-paths", "D", "no-dir-entries", "y",
     "symlinks", "X", "no-extra", "k", "DOS-names", "o", "latest-time", "l", "to-crlf", "e", "encrypt", "g", "grow",
-    "f", "freshen", "T", "test", "h", "help",
+    "f", "freshen", "h", "help",
 };
 // clang-format on
 

@@ -28,7 +28,7 @@ constexpr CommandRow commandRows[] = {
     {"[", testInBrackets, Reach::onlyReads},
     {"[[", testInDoubleBrackets, Reach::onlyReads},
     {"apropos", runOnInput, Reach::onlyReads},
-    {"awk", notYetModelled},
+    {"awk", processFields},
     {"basename", runOnInput, Reach::onlyReads},
     {"bash", notYetModelled},
     {"bc", calculate, Reach::onlyReads},

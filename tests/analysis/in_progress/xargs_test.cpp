@@ -41,9 +41,9 @@ TEST(Xargs, Runs) {
                          row("a\xe2\x80\xa8"
                              "b",
                              "xargs echo", {}, {}, {}, "0 'a b\n'"),  // U+2028 separates lines
-                         row("a b", "xargs -n 1 test -f", {}, {}, {}, "0"),
-                         row("a no", "xargs -n 1 test -f", {}, {}, {}, "1"),
-                         row("a", "xargs -I X -n 0 -L x echo X", {}, {}, {}, "0 'a\n'"),
+                         row("no a", "xargs -n 1 unlink", {"delete a"},
+                {"Delete command: no doesn't exist / rm: cannot remove 'no': No such file or directory"}, {}, "1 unknown"),
+            row("a", "xargs -I X -n 0 -L x echo X", {}, {}, {}, "0 'a\n'"),
                          row("a", "xargs -n 0 rm", {}, {written + "-n value must be positive: 0"}),
                          row("a", "xargs -n 1 -L x rm", {}, {written + "-L value must be positive: x"}),
                          row("a", "xargs -p rm", {}, {written + "unsupported flags: p"}),
@@ -121,7 +121,7 @@ TEST(Xargs, RealReading) {
                 const std::string rest = joined(group, "");
                 expected += plan->replaceText ? replacedAll("{}", *plan->replaceText, rest) : "{}" + rest;
             }
-            ToolLaunch launch{.arguments = {"bash", "-c", "xargs \"$@\" 2> /dev/null", "xargs"},
+            ToolLaunch launch{.arguments = {"bash", "-c", "exec 2>&-; xargs \"$@\"", "xargs"},
                               .standardInput = input,
                               .environment = {{"PATH", "/usr/bin:/bin"}}};
             launch.arguments.insert(launch.arguments.end(), words.begin(), words.end());
