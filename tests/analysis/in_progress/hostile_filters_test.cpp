@@ -168,7 +168,7 @@ TEST(HostileFilters, WhatOnlyReadsEndsInTime) {
     const std::vector<Row> jq{{"jq -n '[range(infinite)]'", "? unknown"},
                               {"jq -n 'repeat(1)'", "? unknown"},
                               {"jq . fifo", "? unknown"},
-                              {"jq -L . --run-tests fifo"},
+                              {"jq -L . --run-tests fifo ."},
                               {"jq -n '$ENV.HOME | length > 0'", "0 'true\n'"},
                               {"echo '{\"x\":[1]}' | jq -c .x", "0 '[1]\n'"}};
     const std::vector<Row> bc{{"echo 'while (1) { 1; }' | bc", "? unknown"},
