@@ -23,7 +23,7 @@ std::optional<FilePath> homeFolderOf(std::string_view user);
 
 // Where the program keeps its data (history, secrets, tools, logs) and its settings. BRINDLET_DATA_HOME and
 // BRINDLET_CONFIG_HOME stand in their place; else XDG_DATA_HOME/Brindlet and XDG_CONFIG_HOME/Brindlet with the
-// defaults of the XDG base directory specification, 0.8. Neither is made here.
+// defaults of the XDG base directories, version 0.8. Neither is made here.
 FilePath dataFolder();
 FilePath configFolder();
 

@@ -40,7 +40,7 @@ FilePath ownFolder(const char* override, const char* base, std::string_view defa
         std::error_code ignored;
         return FilePath::resolve(folder, FilePath(std::filesystem::current_path(ignored).string()));
     }
-    // XDG base directory specification, 0.8: a path that is not absolute is invalid and to be ignored.
+    // XDG base directories, version 0.8: a path that is not absolute is invalid and to be ignored.
     const std::string folder = variable(base);
     const FilePath root = folder.starts_with('/') ? FilePath(folder) : FilePath::resolve(defaultBase, homeFolder());
     return root.child("Brindlet");
