@@ -53,8 +53,14 @@ AnalysisResult BasherAnalysis::analyse() {
         result.rewrittenCommand = basher_.bashCommand();
         return result;
     }
-    result.changes = state_->overlay.changes();
+    std::vector<FilePath> unsaid;
+    result.changes = state_->overlay.changes(&unsaid);
     noteRenamesToInvisible(result.changes);
+    if (!unsaid.empty()) {
+        const FilePath& first = *std::min_element(unsaid.begin(), unsaid.end());
+        const std::string others = unsaid.size() == 1 ? "" : " and " + std::to_string(unsaid.size() - 1) + " more";
+        noteDoubts({quotedForSentence(first.name()) + others + " would go with a folder that is deleted here"});
+    }
     for (const auto& twin : state_->overlay.caseTwins()) noteDoubts({twin});
     state_->output = joinedOutput(state_->output, end.output);
     result.exitCode = end.exitCode;
@@ -76,8 +82,11 @@ void BasherAnalysis::noteRenamesToInvisible(const std::vector<PredictedChange>& 
     }
 }
 
-FilePath BasherAnalysis::resolveURL(std::string_view path) const {
-    if (path.empty()) return currentDirectoryURL();
+FilePath BasherAnalysis::resolveURL(std::string_view path) {
+    if (path.empty()) {
+        isEmptyNameUsed_ = true;
+        return currentDirectoryURL();
+    }
     return FilePath::resolve(expandedTilde(path, services_.home), currentDirectoryURL());
 }
 
@@ -122,6 +131,9 @@ void BasherAnalysis::noteSeesOnlyRealFiles(std::string_view commandName) {
 
 CommandResult BasherAnalysis::runRealCommand(std::string_view name, const SimString& standardInput,
                                              const std::vector<std::string>& args) {
+    const auto isHome = [](const std::string& arg) { return arg == "~" || arg.starts_with("~/"); };
+    if (std::any_of(args.begin(), args.end(), isHome))
+        doubtResult("A shell puts the home folder for '~', which '" + std::string(name) + "' doesn't see here");
     if (++state_->toolsLaunched > services_.limits.launches) return CommandResult::unpredictable();
     learnSearchPath();
     ToolLaunch launch;

@@ -97,7 +97,7 @@ class BasherAnalysis {
     // --- what the core offers the models ---
 
     // An empty path is the current directory; else a leading tilde is expanded and the path taken against it.
-    FilePath resolveURL(std::string_view path) const;
+    FilePath resolveURL(std::string_view path);
     FilePath currentDirectoryURL() const;
 
     FileHistory& fileHistory(const FilePath& url);
@@ -110,7 +110,8 @@ class BasherAnalysis {
     void addFileChange(const FileChange& change, std::optional<bool> isDirectory, bool createParentDirectories = false);
     void addSideEffect(SideEffect sideEffect);  // unless an equal one is there
     CommandResult addCommandError(std::string friendly, std::string technical);
-    // For a model whose exit code a real tool may contradict: what the line does on its account is then said to be open.
+    // For a model whose exit code a real tool may contradict: what the line does on its account is then said to be
+    // open.
     void doubtResult(std::string sentence) { carriedDoubts_.push_back(std::move(sentence)); }
     void requirePackage(std::string name) { state_->requiredPackages.insert(std::move(name)); }
 
@@ -182,6 +183,10 @@ class BasherAnalysis {
     void settleDoubts(std::string_view name, std::vector<std::string> carried);
     void noteUnseen(const std::string& text);
     void noteUnseenAfter(const BashStatement& statement, std::size_t at, std::optional<int> exitCode);
+    // Whether a shell may come to another exit code than the last one here.
+    bool isInDoubt(std::optional<int> exitCode) const {
+        return !exitCode || (exitCode == 0 && isSuccessGuessed_) || !carriedDoubts_.empty();
+    }
     void noteUnseenBody(const BashStatementList& list);
     void noteOwnAssignment(const BashPipeline& pipeline, std::size_t at);
     void noteEmptiedBefore(const std::vector<BashRedirect>& redirects, const BashRedirect& failing);
@@ -224,6 +229,8 @@ class BasherAnalysis {
     const BashCommand* currentCommand_ = nullptr;
     std::size_t depth_ = 0;
     std::vector<std::string> carriedDoubts_;  // about what the last pipeline printed, of commands that only read
+    bool isSuccessGuessed_ = false;           // of the last command that ran: exit 0, and nobody knows what it prints
+    bool isEmptyNameUsed_ = false;            // by the command that runs, for the current folder
     std::vector<std::string> assignedNames_;  // in order; what a process of its own has set is read off its end
 };
 

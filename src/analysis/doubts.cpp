@@ -53,8 +53,8 @@ constexpr std::string_view shellOwnVariables[] = {
 
 // bash 5.2, "Shell Variables", and ld.so(8).
 constexpr std::string_view steeringVariables[] = {
-    "BASHOPTS",        "BASH_COMPAT", "BASH_ENV", "CDPATH",          "ENV", "GLOBIGNORE", "HOME", "IFS", "LD_AUDIT",
-    "LD_LIBRARY_PATH", "LD_PRELOAD",  "PATH",     "POSIXLY_CORRECT", "PWD", "SHELLOPTS",
+    "BASHOPTS", "BASH_COMPAT",     "BASH_ENV",   "ENV",  "GLOBIGNORE",      "HOME", "IFS",
+    "LD_AUDIT", "LD_LIBRARY_PATH", "LD_PRELOAD", "PATH", "POSIXLY_CORRECT", "PWD",  "SHELLOPTS",
 };
 
 template <std::size_t count>
@@ -162,6 +162,10 @@ bool isPositional(std::string_view name) {
 }
 
 }  // namespace
+
+void Doubts::raise(std::string sentence) {
+    raised_.push_back(std::move(sentence));
+}
 
 std::vector<std::string> Doubts::take() {
     return std::exchange(raised_, {});

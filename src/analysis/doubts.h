@@ -18,7 +18,7 @@ namespace brindlet {
 
 class Doubts {
   public:
-    void raise(std::string sentence) { raised_.push_back(std::move(sentence)); }
+    void raise(std::string sentence);
     // What was raised since the last call.
     std::vector<std::string> take();
 

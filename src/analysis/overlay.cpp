@@ -57,6 +57,11 @@ bool wasOnlyModified(const FileHistory& history) {
     });
 }
 
+bool wasMoved(const FileHistory& history) {
+    return std::any_of(history.history.begin(), history.history.end(),
+                       [](const FileState& state) { return state.type == FileStateType::movedOriginalFrom; });
+}
+
 }  // namespace
 
 FileHistory& Overlay::history(const FilePath& path) {
@@ -83,16 +88,15 @@ const FileHistory* Overlay::known(const FilePath& path) const {
 void Overlay::noteCaseTwin(const FilePath& path, const FileHistory& known) {
     if (path == known.originalExactPath || path == known.currentExactPath) return;
     if (!twinsLookedAt_.insert(path.text()).second) return;
-    // One file or two: the disk says which, as long as nothing was done to it here.
+    // Of two that are missing nothing can be lost.
     const bool stands = files_.look(path) != ItemKind::missing;
-    const bool bothStand = stands && known.history.front().type == FileStateType::originallyExisted;
-    if (bothStand || stands != known.exists()) caseTwins_.push_back({path, &known});
+    if (stands || known.exists()) caseTwins_.push_back({path, stands, &known});
 }
 
 std::vector<std::string> Overlay::caseTwins() const {
     std::vector<std::string> sentences;
-    for (const auto& [path, known] : caseTwins_) {
-        if (known->currentExactPath == path) continue;  // a file that only changed the case of its name
+    for (const auto& [path, stands, known] : caseTwins_) {
+        if (!stands && known->currentExactPath == path && wasMoved(*known)) continue;  // changed its case, no more
         sentences.push_back("'" + std::string(path.name()) + "' and '" + std::string(known->originalExactPath.name()) +
                             "' are taken for one file here, but this disk may tell capital letters apart");
     }
@@ -186,7 +190,7 @@ void Overlay::forEachInside(const FilePath& folder, Action action) const {
         if (entry->first.size() > prefix.size()) action(*entry->second);
 }
 
-std::vector<PredictedChange> Overlay::changes() const {
+std::vector<PredictedChange> Overlay::changes(std::vector<FilePath>* unsaid) const {
     DeletedFolders deleted;
     for (const auto& [key, history] : histories_)
         if (history->lastState() == FileStateType::deleted && history->isDirectory())
@@ -229,8 +233,12 @@ std::vector<PredictedChange> Overlay::changes() const {
         }
     }
     for (const auto& [key, history] : histories_) {
-        if (deleted.contains(history->currentExactPath)) continue;
         if (history->history.front().type != FileStateType::originallyExisted || accounted.count(key) != 0) continue;
+        if (deleted.contains(history->currentExactPath)) {
+            if (unsaid != nullptr && !deleted.contains(history->originalExactPath))
+                unsaid->push_back(history->originalExactPath);
+            continue;
+        }
         emit(endsGone(history->lastState()) ? ChangeType::delete_ : ChangeType::overwrite, history->originalExactPath,
              *history);
     }

@@ -38,8 +38,9 @@ class Overlay {
     void addFileChange(const FileChange& change, std::optional<bool> isDirectory, bool createParentDirectories,
                        const FilePath& currentDirectory);
 
-    // The final list, as of now: sorted by path and then by type. Takes time linear in the paths touched.
-    std::vector<PredictedChange> changes() const;
+    // The final list, as of now: sorted by path and then by type. Takes time linear in the paths touched. `unsaid` gets
+    // the real items that are gone without a change that says so: those moved to a folder that is deleted in its turn.
+    std::vector<PredictedChange> changes(std::vector<FilePath>* unsaid = nullptr) const;
     // Whether `changes()` would hold anything but modifications.
     bool hasChangesOtherThanModifications() const;
 
@@ -52,8 +53,8 @@ class Overlay {
     // The touched paths that stand directly in `folder` now.
     std::vector<const FileHistory*> touchedIn(const FilePath& folder) const;
 
-    // A sentence for each path that differs from one touched before in nothing but case, where the disk has another
-    // answer for it: two files that the simulation takes for one.
+    // A sentence for each path that differs from one touched before in nothing but case, where one of them stands: two
+    // files, it may be, that the simulation takes for one.
     std::vector<std::string> caseTwins() const;
 
   private:
@@ -70,7 +71,12 @@ class Overlay {
     std::unordered_map<std::string, std::unique_ptr<FileHistory>> histories_;  // by lower-cased path
     std::multimap<std::string, FileHistory*, std::less<>> byCurrentPath_;
     std::unordered_map<std::string, std::optional<std::vector<std::string>>> realNames_;
-    std::vector<std::pair<FilePath, const FileHistory*>> caseTwins_;
+    struct CaseTwin {
+        FilePath path;
+        bool stands;  // on the disk
+        const FileHistory* known;
+    };
+    std::vector<CaseTwin> caseTwins_;
     std::unordered_set<std::string> twinsLookedAt_;
 };
 

@@ -129,7 +129,7 @@ void BasherAnalysis::noteUnseenAfter(const BashStatement& statement, std::size_t
     const bool isAnd = std::holds_alternative<And>(statement.parts[at]);
     const bool stops = isAnd ? exitCode != 0 : exitCode == 0;
     if (!stops) return;
-    if (!exitCode || !carriedDoubts_.empty()) {
+    if (isInDoubt(exitCode)) {
         if (mayChangeSomething(statement, at + 1, services_.commands)) noteUnseen(printedFrom(statement, at + 1));
         return;
     }
@@ -146,6 +146,7 @@ CommandResult BasherAnalysis::runPart(const BashStatementPart& part, const SimSt
     return std::visit(Overloaded{
                           [&](const BashPipeline& pipeline) {
                               carriedDoubts_.clear();
+                              isSuccessGuessed_ = false;
                               return runPipeline(pipeline, standardInput);
                           },
                           [&](const BashIfStatement& statement) { return runIfStatement(statement, standardInput); },
@@ -167,7 +168,7 @@ CommandResult BasherAnalysis::runIfStatement(const BashIfStatement& statement, c
             continue;
         }
         const auto exitCode = runStatement(branch.condition, standardInput).exitCode;
-        isInDoubt = !exitCode || !carriedDoubts_.empty();
+        isInDoubt = this->isInDoubt(exitCode);
         if (exitCode == 0) {
             result = runStatementList(branch.innerStatementList, standardInput);
             isDecided = true;
@@ -219,7 +220,7 @@ CommandResult BasherAnalysis::runWhileLoop(const BashWhileLoop& loop, const SimS
         const CommandResult condition = runStatement(loop.condition, standardInput);
         output += condition.output;
         if (condition.exitCode != 0) {
-            if (!condition.exitCode || !carriedDoubts_.empty()) noteUnseenBody(loop.innerStatementList);
+            if (isInDoubt(condition.exitCode)) noteUnseenBody(loop.innerStatementList);
             const auto exitCode = body ? body->exitCode : condition.exitCode;
             setLastExitCode(exitCode);
             return {exitCode, std::move(output)};
@@ -308,8 +309,6 @@ CommandResult BasherAnalysis::runSimpleCommand(const BashCommand& command, const
     noteDoubts(doubts.take());
     auto args = expandWords(command.arguments);
     if (!args) throw BasherAnalysisError{ErrorKind::simulationError, "Can not analyse command with unknown arguments"};
-    if (std::find(args->begin(), args->end(), "") != args->end() && !onlyReads(names->front()))
-        doubts.raise("An empty name stands for the current folder here, and for nothing in a shell");
     SimString input = standardInput;
     if (const auto* redirect = lastInput(command.redirects)) {
         CommandResult read = readInputRedirect(*redirect);
@@ -322,8 +321,12 @@ CommandResult BasherAnalysis::runSimpleCommand(const BashCommand& command, const
     }
     settleDoubts(names->front(), std::move(carried));
     auto own = std::exchange(carriedDoubts_, {});
+    isEmptyNameUsed_ = false;
     CommandResult result = runCommand(names->front(), std::move(*args), std::move(input), command);
+    isSuccessGuessed_ = result.exitCode == 0 && !result.output.isKnown();
     carriedDoubts_.insert(carriedDoubts_.begin(), own.begin(), own.end());
+    if (std::exchange(isEmptyNameUsed_, false) && !onlyReads(names->front()))
+        noteDoubts({"An empty name stands for the current folder here, and for nothing in a shell"});
     applyOutputRedirects(command.redirects);
     if (std::any_of(command.redirects.begin(), command.redirects.end(), takesStandardOutput))
         result.output = SimString::known("");

@@ -119,7 +119,7 @@ class Follower {
 };
 
 // Without a copy where there is nothing to mend: it may be large.
-std::string shownText(std::string text) {
+std::string inUtf8(std::string text) {
     return isValidUtf8(text) ? std::move(text) : toValidUtf8(text);
 }
 
@@ -193,11 +193,11 @@ std::optional<CommandRunResult> CommandRunner::run(const std::string& command, c
     std::string text = output.take();
     if (*status != 0) {
         return failure("Command exited with status " + std::to_string(*status) + " - possible error?", *status,
-                       shownText(std::move(text)));
+                       inUtf8(std::move(text)));
     }
     const PipelineEnd end = pipelineEnd(command);
     if (end != PipelineEnd::none) return presentPaths(end, text, workingDirectory, presenter_);
-    return CommandRunResult{.output = shownText(std::move(text)), .failureMessage = "", .exitCode = 0};
+    return CommandRunResult{.output = inUtf8(std::move(text)), .failureMessage = "", .exitCode = 0};
 }
 
 std::optional<std::string> pureEchoText(std::string_view command) {

@@ -21,14 +21,14 @@ bool containsAny(std::string_view text, const std::string_view (&parts)[count]) 
 
 // The simulator reads this value back, so that only the double quotes in a name are marked; what bash itself is given
 // is made by the runner.
-std::string quoted(std::string_view name) {
+std::string inQuotes(std::string_view name) {
     return '"' + replacedAll(name, "\"", "\\\"") + '"';
 }
 
 std::string quotedNames(const std::vector<FilePath>& files, const FilePath& workingDirectory) {
     std::vector<std::string> names;
     names.reserve(files.size());
-    for (const FilePath& file : files) names.push_back(quoted(relativePath(file, workingDirectory)));
+    for (const FilePath& file : files) names.push_back(inQuotes(relativePath(file, workingDirectory)));
     return joined(names, " ");
 }
 

@@ -33,6 +33,11 @@ BasherError Parser::expectedError(std::string_view what) const {
 }
 
 BashStatementList Parser::parse() {
+    // Blanks in front are refused; left alone, they would be forgiven before a keyword and nothing else.
+    if (scanner_.skipBlanks()) {
+        scanner_.setPosition(0);
+        throw expectedError("statement list");
+    }
     return requireStatementList("statement list");
 }
 

@@ -248,7 +248,11 @@ void appendChanges(const ChangesView& view, const Surroundings& around, Rows& ro
         appendSummary(view, around, rows);
         return;
     }
-    for (const ChangesViewChange& change : view.changes) rows.push_back(singleRow(change, around));
+    // Deletions come first, and from their threshold on are counted in a short list too.
+    const auto deletions = groupOf(view, ChangeType::delete_);
+    appendGroup(ChangeType::delete_, deletions, 0, around, rows);
+    for (const ChangesViewChange& change : std::span(view.changes).subspan(deletions.size()))
+        rows.push_back(singleRow(change, around));
 }
 
 }  // namespace

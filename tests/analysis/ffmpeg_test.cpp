@@ -131,6 +131,7 @@ TEST(FFmpeg, Predictions) {
         {"ffmpeg -ss 5 -i in.mov -i a.mov -filter_complex x -map -0:s -an out.mp4", {"create out.mp4"}},
         {"ffmpeg -i in.mov -i no.mov out.mp4", nothing, "1 'ffmpeg: no.mov: No such file or directory'", nothing,
          nothing},
+        {"ffmpeg -i no.mov -f mp4 out.mp4", nothing, "1 'ffmpeg: no.mov: No such file or directory'", nothing, nothing},
         {"ffmpeg out.mp4",
          nothing,
          "1 'ffmpeg: Missing input file'",

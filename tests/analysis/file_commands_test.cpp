@@ -31,6 +31,7 @@ FakeDisk ordinaryDisk() {
                     "empty/",
                     "deep/er/est/",
                     "link->a",
+                    "broken->nowhere",
                     "folderlink->folder",
                     "/home/me/.Trash/",
                     "/home/me/h"};
@@ -174,6 +175,33 @@ TEST(FileCommands, RemoveAsksNobody) {
     }
 }
 
+// What a tool does beyond its rules here is said, and only where it could hurt.
+TEST(FileCommands, ChangesThatAreNotShown) {
+    const Texts elsewhere = {
+        "unknownFileChanges: 'cp' may put files elsewhere than shown here, and over what stands there"};
+    struct Case {
+        std::string_view line;
+        Texts sideEffects;
+    };
+    const Case cases[] = {
+        {"cp -r folder/. empty", elsewhere},
+        {"cp -a . empty", elsewhere},
+        {"cp -rT folder empty", elsewhere},
+        {"cp --parents folder/x empty", elsewhere},
+        {"cp -r -t empty folder", elsewhere},
+        {"cp -r folder/. new", {}},
+        {"cp -rn folder/. empty", {}},
+        {"cp a .", {}},
+        {"rm -f broken", {"unknownFileChanges: A link that leads nowhere is deleted too, which isn't shown here"}},
+        {"rm -f no folderlink/no", {}},
+    };
+    for (const auto& [line, sideEffects] : cases) {
+        SCOPED_TRACE(line);
+        FakeDisk disk = ordinaryDisk();
+        EXPECT_EQ(described(predict(line, disk).sideEffects), sideEffects);
+    }
+}
+
 TEST(FileCommands, MakeFolders) {
     const std::string cannot = "Can't create folder / mkdir: ";
     const std::string written = "`mkdir` command incorrectly written / mkdir: ";
@@ -232,6 +260,7 @@ TEST(FileCommands, Link) {
         {"ln -s a sub/x b folder",
          {"create folder/a"},
          {"Link command: can't overwrite / ln: folder/x already exists"}},
+        {"ln -s folder/x b folder/", {}, {"Link command: can't overwrite / ln: folder/x already exists"}},
         {"ln a b c", {}, {"Can't link to directory / ln: target 'c' is not a directory"}},
         {"ln", {}, {written + "missing file operand"}},
         {"ln -z a", {}, {written + "missing destination file operand after 'a'"}},

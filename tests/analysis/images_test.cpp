@@ -53,6 +53,7 @@ TEST(Images, Sips) {
         {"sips -Z 100 a.jpg", {"modify a.jpg"}},
         {"sips -Z 100 a.jpg --out new.jpg", {"create new.jpg"}, "0"},
         {"sips --out b.jpg -s format jpeg a.png", {"create b.jpg", "overwrite b.jpg"}, "0"},
+        {"sips -Z 100 a.jpg b.jpg --out new", {"create new"}, "0"},  // the sources stay
         {"sips --repair a.jpg", {"modify a.jpg"}},
         {"sips -g all C.JPG"},  // the extension in any case
         {"sips -Z 100 a.jpg --out", {}, "1 'sips: --out flag must be followed by a filename'"},
@@ -100,6 +101,7 @@ TEST(Images, OldNamesRunUnderMagick) {
          {},
          "magick /usr/bin/mogrify -strip \"a.png\" > log"},
         {"convert", {}, "? unknown", {}, {}, "magick convert"},
+        {"mogrify -format webp a.png", {"modify a.png"}, "0 unknown", {}, {}, "magick mogrify -format webp a.png"},
     });
 }
 
@@ -212,7 +214,8 @@ TEST(Images, NothingIsHidden) {
         "touch '|rm a.png'; magick mogrify '|rm a.png'",
         "touch new-0.png; magick a.gif new.png",
         "mogrify -format jpg a.png",
-        "mogrify -path out -resize 50% a.png",
+        "mogrify -format '%wx%h' a.png",
+        "mkdir out; cp a.png out; mogrify -path out -resize 50% a.png",
         "identify a.png",  // the launcher can say nothing
         "magick a.png new.png || rm a.png",
         "sips -Z 100 a.jpg -o b.jpg",
@@ -241,6 +244,24 @@ TEST(Images, NothingIsHidden) {
             });
         EXPECT_TRUE(isSaid) << line;
     }
+}
+
+// Whatever the words, a prediction comes back, and soon.
+TEST(Images, HostileWords) {
+    const std::string words[] = {"''", "--", "-",  "--out", "-o",        "-c", "'\xff.png'",          "%", "'|:@%['",
+                                 ":",  "+x", "-é", "-vf",   "'scale=x'", "-i", std::string(9000, '.')};
+    for (const char* command : {"sips -Z 1", "magick", "convert a.png", "gifsicle -b", "iconutil -c icns", "mogrify",
+                                "ffmpeg -i a.png", "ffprobe", "brindlet_animated_gif"})
+        for (const auto& first : words)
+            for (const auto& second : words) {
+                FakeDisk disk = imageDisk();
+                const AnalysisResult result = predict(std::string(command) + " " + first + " " + second, disk);
+                EXPECT_FALSE(result.analysisError) << command << " " << first << " " << second;
+            }
+    std::string many = "ffmpeg";
+    for (int count = 0; count < 50'000; ++count) many += " x -i -i a.png %";
+    FakeDisk disk = imageDisk();
+    EXPECT_TRUE(predict(many + " out.mp4", disk).exitCode);
 }
 
 // A tool that writes on its way to its help, or while it looks at a picture: nothing happens, and nothing is known.

@@ -75,7 +75,7 @@ struct RealPrediction {
 
     AnalysisResult predict(std::string_view line) {
         const AnalysisServices services{*files, *launcher, builtInCommands(),
-                                        [] { return std::string("/usr/bin:/bin"); }, scratch.path()};
+                                        [] { return std::string("/usr/bin:/bin:/usr/sbin:/sbin"); }, scratch.path()};
         BasherAnalysis analysis(Basher(std::string(line)), scratch.path(), {},
                                 std::make_shared<BasherAnalysisState>(*files), services);
         return analysis.analyse();

@@ -79,7 +79,6 @@ TEST(Run, RefusalsRunNothing) {
         {{"run", "echo \"a; rm a"}, "Commands with errors (Error analysing command: ", ""},
         {{"run", "--yes", "sudo rm a"}, "'sudo' command is banned in Brindlet for safety and security", ""},
         {{"run", "--yes", "--json", "sudo rm a"}, "'sudo' command is banned", "presentingError"},
-        {{"run", "--yes", "rm a \"$FILE_NAME\""}, "runs once for each FILE and none is given", ""},
         {many, "Sorry, Brindlet can't process more than 100 files at once with 'SPACE_SEPARATED_FILE_NAMES'",
          "presentingError"},
     };
@@ -96,6 +95,18 @@ TEST(Run, RefusalsRunNothing) {
             EXPECT_EQ(outcome.json()["ran"], false);
         }
     }
+}
+
+// As over any other empty list: nothing is left to do, and nothing has failed.
+TEST(Run, OncePerFileWithoutFilesIsDone) {
+    Program program;
+    program.disk.write("a", "");
+    const Outcome outcome = program.run({"run", "--yes", "--json", "rm a \"$FILE_NAME\""});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.json()["ran"], false);
+    EXPECT_EQ(outcome.json()["state"], "complete");
+    EXPECT_NE(outcome.err.find("runs once for each FILE and none is given"), std::string::npos) << outcome.err;
+    EXPECT_EQ(program.names(), "a");
 }
 
 TEST(Run, HarmlessLinesRunAtOnce) {

@@ -117,6 +117,7 @@ TEST(Parser, RefusesInTheseWords) {
     const Case cases[] = {
         {"", "Expected statement list, but saw: "},
         {" ls", "Expected statement list, but saw:  ls"},
+        {" if a; then b; fi", "Expected statement list, but saw:  if a; then b; fi"},
         {"fi \nx", "Expected statement list, but saw: fi "},
         {"while a; b; done", "Expected statement list, but saw: while a; b; done"},
         {"\"" + long120, "Expected closing '\"' for double quoted expansion, but saw: "},

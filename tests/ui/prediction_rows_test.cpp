@@ -56,11 +56,17 @@ TEST(PredictionRows, FileChanges) {
         {{"create " + w + "b", "create " + w + "a", "create " + w + "B"},
          {},
          {"green plus: Creates B", "green plus: Creates a", "green plus: Creates b"}},
-        // Below ten rows each stands for itself; with ten, or with changes beyond those listed, groups are counted.
+        // Below ten rows each stands for itself, but for five deletions; with ten, or with changes beyond those
+        // listed, all groups are counted.
         {numbered("delete " + w, 4),
          {},
          {"red delete.left: Deletes 1", "red delete.left: Deletes 2", "red delete.left: Deletes 3",
           "red delete.left: Deletes 4"}},
+        {{"delete " + w + "1", "delete " + w + "2", "delete " + w + "3", "delete " + w + "4", "delete " + w + "5",
+          "create " + w + "a", "create " + w + "b", "create " + w + "c"},
+         {},
+         {"red delete.left: 5 deletions (Including 1, 2, 3, 4)", "green plus: Creates a", "green plus: Creates b",
+          "green plus: Creates c"}},
         {numbered("delete " + w, 10), {}, {"red delete.left: 10 deletions (Including 1, 10, 2, 3)"}},
         {numbered("delete " + w, 5),
          {extra(Kind::moves, 1)},

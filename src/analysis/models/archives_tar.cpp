@@ -47,13 +47,15 @@ constexpr std::string_view plainFlags[] = {
     "exclude-vcs", "exclude-backups", "exclude-caches", "no-xattrs", "xattrs", "acls", "no-acls", "selinux",
     "no-selinux", "show-transformed-names", "no-mac-metadata", "no-fflags", "R", "block-number",
 };
-// Of the options with values, those of which the tool makes more than the model: the last two only where it unpacks.
-constexpr std::string_view reachingOptions[] = {"T", "files-from", "use-compress-program", "file", "cd", "directory"};
-constexpr std::string_view extractionOptions[] = {"cd", "directory"};
+// Of the options with values, those of which the tool makes more than the model.
+constexpr std::string_view reachingOptions[] = {"T", "files-from", "use-compress-program", "file"};
+// Those that name the folder to unpack in, which the model takes from -C alone.
+constexpr std::string_view folderOptions[] = {"directory", "cd"};
 // clang-format on
 
 // Whether an option only narrows or describes, or glues such an option to its value: --exclude=*.o, --format=pax.
-constexpr std::string_view plainGlued[] = {"exclude=", "format=", "warning=", "owner=", "group=", "mode=", "mtime="};
+constexpr std::string_view plainGlued[] = {
+    "exclude=", "format=", "warning=", "owner=", "group=", "mode=", "mtime=", "directory=", "cd="};
 
 // What a listing may print besides entries although all is well.
 constexpr std::string_view ownLines[] = {
@@ -93,14 +95,13 @@ bool isOnOtherMachine(std::string_view archive) {
 
 // --- what the prediction doesn't show ---
 
-// How many leading folders the tool leaves out of each name; none where it leaves out none.
-std::optional<std::int64_t> strippedComponents(const FlagsAndOptions& read) {
-    std::optional<std::string> value = read.value(stripName);
+// The value of a long option, in the next word or glued on.
+std::optional<std::string> longValue(const FlagsAndOptions& read, std::string_view name) {
+    std::optional<std::string> value = read.value(name);
     for (const auto& flag : read.flags)
-        if (flag.starts_with(stripName) && flag.size() > stripName.size() && flag[stripName.size()] == '=')
-            value = flag.substr(stripName.size() + 1);
-    if (!value) return std::nullopt;
-    return parsedInteger(*value).value_or(0);
+        if (flag.starts_with(name) && flag.size() > name.size() && flag[name.size()] == '=')
+            value = flag.substr(name.size() + 1);
+    return value;
 }
 
 std::string_view withoutComponents(std::string_view entry, std::int64_t count) {
@@ -111,15 +112,31 @@ std::string_view withoutComponents(std::string_view entry, std::int64_t count) {
     return entry;
 }
 
-// The names stay as listed; it is said where a shortened one hits a file.
-void noteStripped(BasherAnalysis& analysis, const FilePath& folder, const Words& entries, std::int64_t count) {
+// The entries are shown as listed, in the folder of -C; it is said where one that really goes elsewhere, with fewer
+// folders in its name or into another folder, hits a file that is there.
+void noteHitElsewhere(BasherAnalysis& analysis, const FlagsAndOptions& read, FilePath folder, const Words& entries) {
+    std::string_view option;
+    std::int64_t count = 0;
+    if (const auto value = longValue(read, stripName)) {
+        option = stripName;
+        count = parsedInteger(*value).value_or(0);
+    }
+    for (const std::string_view name : folderOptions) {
+        const auto value = longValue(read, name);
+        if (!value) continue;
+        const FilePath named =
+            value->starts_with('~') ? analysis.resolveURL(*value) : FilePath::resolve(*value, folder);
+        if (named != folder) option = name;
+        folder = named;
+    }
+    if (option.empty()) return;
     const auto hitsFile = [&](const std::string& entry) {
         const std::string_view name = withoutComponents(entry, count);
         if (name.empty()) return false;
         const FilePath target(folder.text() + "/" + std::string(name));
         return analysis.fileExists(target) && !analysis.isDirectory(target);
     };
-    if (std::any_of(entries.begin(), entries.end(), hitsFile)) noteUnread(analysis, "tar", "--strip-components");
+    if (std::any_of(entries.begin(), entries.end(), hitsFile)) noteUnread(analysis, "tar", spelt(option));
 }
 
 bool isPlain(const std::string& flag) {
@@ -129,16 +146,15 @@ bool isPlain(const std::string& flag) {
 }
 
 void noteUnmodelled(BasherAnalysis& analysis, const ModelInput& input, const TarLine& line) {
-    const bool extracts = line.mode == Mode::extract;
     // `tar xzf a.tgz -t`: letters without a hyphen count for the tool.
     if (!input.args.front().starts_with('-')) noteUnread(analysis, "tar", input.args.front());
     for (const auto& flag : line.read.flags)
         if (!isPlain(flag)) noteUnread(analysis, "tar", spelt(flag));
     for (const auto& [option, values] : line.read.options)
-        if (isAmong(option, reachingOptions) && (extracts || !isAmong(option, extractionOptions)))
-            noteUnread(analysis, "tar", spelt(option));
+        if (isAmong(option, reachingOptions)) noteUnread(analysis, "tar", spelt(option));
     if (std::count(input.args.begin(), input.args.end(), "-C") > 1) noteUnread(analysis, "tar", "-C");
-    if (extracts && !line.read.value("f"))
+    const bool isSentNothing = input.standardInput == SimString::known("") && !analysis.variable("TAPE");
+    if (line.mode == Mode::extract && !line.read.value("f") && !isSentNothing)
         analysis.addSideEffect(
             {PlainSideEffect::partialSupport, "'tar' without -f unpacks what it is sent, which isn't shown here"});
     if (isOnOtherMachine(line.archive))
@@ -256,8 +272,8 @@ CommandResult extract(BasherAnalysis& analysis, const TarLine& line) {
         throw BasherAnalysisError{ErrorKind::simulationError, "tar: unable to list archive contents for preview"};
     const Words entries = entriesOf(listing.output.text());
     if (entries.empty()) noteUnknownChanges(analysis, unknownFiles);  // or names that are no text
+    noteHitElsewhere(analysis, line.read, folder, entries);
     extractEntries(analysis, folder, entries);
-    if (const auto count = strippedComponents(line.read)) noteStripped(analysis, folder, entries, *count);
     return CommandResult::success();
 }
 

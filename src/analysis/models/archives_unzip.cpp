@@ -26,6 +26,11 @@ constexpr const char* unknownFiles = "Will unzip unknown files";
 // unzip 6.00, man unzip: 9 is no archive at all, of which nothing is unpacked; 127 is env without the tool.
 constexpr int statusesWithoutEntries[] = {9, 127};
 
+// Behind the archive, too, these show or unpack no more than is predicted.
+bool isPlainBehindArchive(std::string_view word) {
+    return isFlagCluster(word) && word.find_first_not_of("qvontlZ", 1) == std::string_view::npos;
+}
+
 struct UnzipLine {
     bool junksPaths = false;
     std::string archive{};
@@ -112,7 +117,8 @@ CommandResult unzipFiles(BasherAnalysis& analysis, const ModelInput& input) {
     if (hasFlag(args.remainingArgs(), "-x")) refuse("unzip with -x exclude list is too complex to preview");
     line.archive = operands.front();
 
-    for (const auto& word : args.remainingArgs()) noteUnread(analysis, "unzip", word);
+    for (const auto& word : args.remainingArgs())
+        if (!isPlainBehindArchive(word)) noteUnread(analysis, "unzip", word);
     noteVariables(analysis, "unzip", unzipVariables);
     if (hasAnyFlag(flags, listingFlags)) return list(analysis, input, line.archive);
     return extract(analysis, line);

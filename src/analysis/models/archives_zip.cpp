@@ -28,6 +28,7 @@ constexpr std::string_view plainFlags[] = {
     "f", "freshen", "h", "help",
 };
 // clang-format on
+constexpr std::string_view plainGlued[] = {"exclude=", "include="};
 
 struct ZipLine {
     Words flags;
@@ -87,12 +88,22 @@ void deleteInputs(BasherAnalysis& analysis, const ZipLine& line) {
     for (const auto& path : line.inputs) analysis.addFileChange(deletion(analysis.resolveURL(path)), std::nullopt);
 }
 
-void noteUnmodelled(BasherAnalysis& analysis, const ZipLine& line) {
+bool isPlain(const std::string& flag) {
+    const auto isGlued = [&](std::string_view option) { return flag.starts_with(option); };
+    return isAmong(flag, plainFlags) || std::any_of(std::begin(plainGlued), std::end(plainGlued), isGlued);
+}
+
+// Options count wherever they stand: `zip -r a.zip b -m` deletes b.
+bool isPlainBehindOperands(const ModelInput& input, const std::string& word) {
+    const Words flags = ArgExtractor(input.name, ArgExtractor::Style::defaultStyle, {word}).extractAllFlagsAtStart();
+    return !hasAnyFlag(flags, movingFlags) && std::all_of(flags.begin(), flags.end(), isPlain);
+}
+
+void noteUnmodelled(BasherAnalysis& analysis, const ModelInput& input, const ZipLine& line) {
     for (const auto& flag : line.flags)
-        if (!isAmong(flag, plainFlags)) noteUnread(analysis, "zip", spelt(flag));
-    // Options count wherever they stand: `zip -r a.zip b -m` deletes b.
+        if (!isPlain(flag)) noteUnread(analysis, "zip", spelt(flag));
     for (const auto& word : line.rest)
-        if (word.starts_with('-')) noteUnread(analysis, "zip", word);
+        if (word.starts_with('-') && !isPlainBehindOperands(input, word)) noteUnread(analysis, "zip", word);
     if (!contains(lastPathComponent(line.output), ".") &&
         analysis.fileExists(analysis.resolveURL(line.output + ".zip")))
         noteUnknownChanges(
@@ -112,7 +123,7 @@ CommandResult zipFiles(BasherAnalysis& analysis, const ModelInput& input) {
     const bool changesInPlace = hasAnyFlag(line->flags, inPlaceFlags);
     if (auto failure = changesInPlace ? changeInPlace(analysis, *line) : pack(analysis, *line)) return *failure;
     if (hasAnyFlag(line->flags, movingFlags)) deleteInputs(analysis, *line);
-    noteUnmodelled(analysis, *line);
+    noteUnmodelled(analysis, input, *line);
     return CommandResult::success();
 }
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <vector>
 
+#include "text/strings.h"
 #include "text/utf8.h"
 
 namespace brindlet {
@@ -101,7 +102,7 @@ class AwkReader {
     }
 
     Hazard readToken() {
-        if (isNameCharacter(rest_.front())) return readWord();
+        if (isNameCharacter(rest_.front()) || rest_.front() == '.') return readWord();
         const char c = take();
         switch (c) {
             case ' ':
@@ -147,6 +148,7 @@ class AwkReader {
                 printsAt_.reset();
                 return then(Slash::begins);
             default:
+                if (!contains("\n,!~=&?:*%^$", {&c, 1})) return unreadable;
                 return then(Slash::begins);
         }
     }

@@ -133,7 +133,10 @@ CommandResult searchText(BasherAnalysis& analysis, const ModelInput& input) {
     }
     doubtUnreadInput(analysis, input, files);
     const auto check = [&](const std::string& path) -> std::optional<CommandResult> {
-        if (!isThere(analysis, "grep", path)) return noSuchFile("grep", path);
+        if (!isThere(analysis, "grep", path)) {
+            if (hasAnyFlag(taken.flags, quietFlags)) analysis.doubtResult("'grep' may find something in another file");
+            return noSuchFile("grep", path);
+        }
         if (!isUnchanged(analysis, path)) return CommandResult::unpredictable();
         return std::nullopt;
     };

@@ -71,15 +71,17 @@ struct BcLine {
 BcLine readBc(const Words& words) {
     BcLine line;
     for (auto word = words.begin(); word != words.end(); ++word) {
-        if (*word == "-f") {
+        if (!isFlagCluster(*word)) {
+            line.kept.push_back(*word);
+            continue;
+        }
+        Words letters = ArgExtractor("bc", Style::defaultStyle, {*word}).extractSingleLetterFlagsAtStart();
+        if (letters.back() == "f") {
+            letters.pop_back();
             const auto next = word + 1;
             if (next != words.end() && !next->starts_with('-')) line.files.push_back(*++word);
-        } else if (isFlagCluster(*word)) {
-            const Words letters = ArgExtractor("bc", Style::defaultStyle, {*word}).extractSingleLetterFlagsAtStart();
-            line.flags.insert(line.flags.end(), letters.begin(), letters.end());
-        } else {
-            line.kept.push_back(*word);
         }
+        line.flags.insert(line.flags.end(), letters.begin(), letters.end());
     }
     return line;
 }

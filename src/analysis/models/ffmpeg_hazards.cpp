@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_set>
 
 #include <fmt/format.h>
 
@@ -48,6 +49,8 @@ constexpr std::string_view reachingFilters[] = {
 constexpr std::string_view reachingTexts[] = {"vidstabdetect", "stats_file", "log_path"};
 // What an encoder's own parameters may hold: "stats=x264.log".
 constexpr std::string_view writingParameters[] = {"stats", "csv", "recon", "dump", "save", "reuse-file", "log-file"};
+
+using Names = std::unordered_set<std::string>;
 
 struct Option {
     std::string name;  // without its stream specifier
@@ -140,20 +143,20 @@ bool holdsWritingParameter(const Option& option) {
                        [&](auto text) { return contains(option.value, text); });
 }
 
-bool mayWrite(const Option& option, const Words& shown) {
+bool mayWrite(const Option& option, const Names& shown) {
     if (holdsWritingParameter(option)) return true;
     if (option.name.starts_with('/')) return true;  // ffmpeg 7: the value stands in a file
     if (!isAmong(option.name, writingOptions)) return false;
     if (option.name == "pass") return option.value != "2";  // the second pass reads
-    return !isNoFile(option.value) && !hasFlag(shown, option.value);
+    return !isNoFile(option.value) && !shown.contains(option.value);
 }
 
 class Hazards {
   public:
-    void files(std::string sentence) { found.push_back({PlainSideEffect::unknownFileChanges, std::move(sentence)}); }
-    void partly(std::string sentence) { found.push_back({PlainSideEffect::partialSupport, std::move(sentence)}); }
+    void files(std::string sentence) { add({PlainSideEffect::unknownFileChanges, std::move(sentence)}); }
+    void partly(std::string sentence) { add({PlainSideEffect::partialSupport, std::move(sentence)}); }
 
-    void ofOptions(std::string_view tool, const std::vector<Option>& options, const Words& shown) {
+    void ofOptions(std::string_view tool, const std::vector<Option>& options, const Names& shown) {
         for (const Option& option : options)
             if (mayWrite(option, shown))
                 files(fmt::format("{}: '-{}' may write files that aren't shown here", tool, option.name));
@@ -164,18 +167,23 @@ class Hazards {
                 partly(fmt::format("{}: {} may do more than is shown here", tool, quotedForSentence(word)));
     }
     std::vector<SideEffect> found;
+
+  private:
+    void add(SideEffect effect) {
+        if (found.size() < mostSentences) found.push_back(std::move(effect));
+    }
 };
 
 bool spreads(const Option& option) {
     return option.name == "f" && isAmong(option.value, spreadingFormats);
 }
 
-void ofOutputs(Hazards& hazards, const Division& division, const Words& shown) {
+void ofOutputs(Hazards& hazards, const Division& division, const Names& shown) {
     const bool isSpread = std::any_of(division.options.begin(), division.options.end(), spreads);
     for (const std::string& output : division.outputs) {
         if (isNoFile(output)) continue;
         const std::string quoted = quotedForSentence(output);
-        if (!hasFlag(shown, output))
+        if (!shown.contains(output))
             hazards.files(fmt::format("ffmpeg may also write {}", quoted));
         else if (!protocol(output).empty())
             hazards.partly(fmt::format("ffmpeg may send its output elsewhere than to a file {}", quoted));
@@ -190,8 +198,9 @@ std::vector<SideEffect> ffmpegHazards(const std::vector<std::string>& words, con
     const Division division = divide(words);
     Hazards hazards;
     if (division.inputs != parsed.inputPaths) hazards.partly("ffmpeg may read other inputs than those looked at here");
-    ofOutputs(hazards, division, parsed.outputPaths);
-    hazards.ofOptions("ffmpeg", division.options, parsed.outputPaths);
+    const Names shown(parsed.outputPaths.begin(), parsed.outputPaths.end());
+    ofOutputs(hazards, division, shown);
+    hazards.ofOptions("ffmpeg", division.options, shown);
     hazards.ofWords("ffmpeg", words);
     return hazards.found;
 }
@@ -206,9 +215,9 @@ std::vector<SideEffect> ffprobeHazards(const std::vector<std::string>& words) {
 }
 
 std::vector<SideEffect> missingInputHazards(const std::vector<std::string>& words, const std::string& input) {
-    const Division division = divide(words);
-    const bool hasFormat = std::any_of(division.options.begin(), division.options.end(),
-                                       [](const Option& option) { return option.name == "f"; });
+    const auto isFormat = [](const std::string& word) { return word == "-f" || word.starts_with("-f:"); };
+    const auto format = std::find_if(words.begin(), words.end(), isFormat);
+    const bool hasFormat = std::find(format, words.end(), input) != words.end();  // in front: it is the input's
     const bool hasWildcard = input.find_first_of("%*?[{") != std::string::npos;
     if (!hasFormat && !hasWildcard && protocol(input).empty()) return {};
     return {{PlainSideEffect::partialSupport,

@@ -35,10 +35,7 @@ bool setsClock(const ToolReading& reading) {
     return reading.knowsAll() && std::any_of(reading.operands.begin(), reading.operands.end(), isTime);
 }
 
-void noteDateSpellings(BasherAnalysis& analysis, const Words& words) {
-    const ToolReading reading = readAsTool(words, dateOptions);
-    if (setsClock(reading))
-        analysis.addSideEffect({PlainSideEffect::modifiesSystemSetting, "Sets the system's date and time"});
+void noteFilesOfDate(BasherAnalysis& analysis, const ToolReading& reading) {
     for (const char letter : {'f', 'r'})
         if (const auto file = reading.value(letter)) noteFilesSeenOtherwise(analysis, "date", {*file});
 }
@@ -75,10 +72,15 @@ ArgExtractor::OptionArities detailOptions(bool isStat) {
 }  // namespace
 
 CommandResult printDate(BasherAnalysis& analysis, const ModelInput& input) {
-    noteDateSpellings(analysis, input.args);
+    const ToolReading reading = readAsTool(input.args, dateOptions);
+    if (setsClock(reading))
+        analysis.addSideEffect({PlainSideEffect::modifiesSystemSetting, "Sets the system's date and time"});
     ArgExtractor args = wordsOf(input);
     const auto reference = args.extractOptionsAnywhere({{"-r", 1}});
-    if (!reference) return saidIfStopped(analysis, input, filterInput(analysis, input));
+    if (!reference) {
+        noteFilesOfDate(analysis, reading);
+        return saidIfStopped(analysis, input, filterInput(analysis, input));
+    }
     const Words& file = reference->front().args;
     if (file.empty() || !isThere(analysis, "date", file.front())) return failureInWords("date: usage information");
     if (!areUnchanged(analysis, file)) return unknownText();
@@ -93,8 +95,10 @@ CommandResult guessFileType(BasherAnalysis& analysis, const ModelInput& input) {
     const auto isGiven = [&](const auto name) { return taken.options.contains(name); };
     const bool isUnfollowed = std::any_of(std::begin(unfollowedFileOptions), std::end(unfollowedFileOptions), isGiven);
     if (isUnfollowed || operands.empty()) return unknownText();
-    if (const auto missing = firstMissing(analysis, "file", realFilesAmong(operands)))
+    if (const auto missing = firstMissing(analysis, "file", realFilesAmong(operands))) {
+        analysis.doubtResult("'file' succeeds without its file");
         return failureInWords(fmt::format("file: {}: cannot open: No such file or directory", *missing));
+    }
     return saidIfStopped(analysis, input, filterFiles(analysis, input, operands));
 }
 

@@ -114,8 +114,7 @@ void noteUnlistedCommands(BasherAnalysis& analysis, std::string_view command) {
 }
 
 void noteMisreading(BasherAnalysis& analysis, std::string_view command) {
-    say(analysis, PlainSideEffect::partialSupport,
-        fmt::format("'{}' takes some of its words otherwise than shown here", command));
+    analysis.doubtResult(fmt::format("'{}' takes some of its words otherwise than shown here", command));
 }
 
 void noteMisreadOperands(BasherAnalysis& analysis, const ModelInput& input, const Words& operands,

@@ -44,7 +44,8 @@ CommandResult filterFiles(BasherAnalysis& analysis, const ModelInput& input, con
 // Files are written, or a command run, that the prediction doesn't list. With no path nothing is said.
 void noteUnlistedWrites(BasherAnalysis& analysis, std::string_view command, const Words& paths);
 void noteUnlistedCommands(BasherAnalysis& analysis, std::string_view command);
-// The tool takes the words otherwise than the model.
+// The tool takes the words otherwise than the model, so that what it prints and how it ends is in doubt. What it may
+// write is said apart.
 void noteMisreading(BasherAnalysis& analysis, std::string_view command);
 void noteMisreadOperands(BasherAnalysis& analysis, const ModelInput& input, const Words& operands,
                          std::span<const ToolOption> options);

@@ -99,11 +99,18 @@ bool mayChangeSomething(const BasherAnalysis& analysis, const ActionLine& line) 
     return line.hasCommand() && !commandOnlyReads(analysis, line.command());
 }
 
+// A shell would put a home folder in its place, where the real tool gets it as it stands.
+bool isHomeWord(std::string_view word) {
+    return word == "~" || word.starts_with("~/");
+}
+
 // A walk that failed went on all the same, and its action with it: a folder that can't be entered is enough. Without a
 // NUL there was no path, only complaints.
-bool mayHavePaths(const CommandResult& listing) {
+bool mayHavePaths(const CommandResult& listing, const Words& words) {
     if (!listing.exitCode || !listing.output.isKnown() || listing.output.text().empty()) return true;
-    return contains(listing.output.text(), std::string_view("\0", 1));
+    const auto hasTilde = [](const std::string& word) { return word.starts_with('~'); };
+    return contains(listing.output.text(), std::string_view("\0", 1)) ||
+           std::any_of(words.begin(), words.end(), hasTilde);
 }
 
 // Names that are no text come out as no output at all, like no match.
@@ -140,6 +147,9 @@ void noteUnmodelled(BasherAnalysis& analysis, const ActionLine& line, const Word
     for (const std::string_view word : blurringWords)
         if (hasFlag(line.words, word))
             notePartialSupport(analysis, fmt::format("'find' may find other files by {}", word));
+    const auto actionBegin = line.words.begin() + static_cast<std::ptrdiff_t>(line.action.first);
+    if (std::any_of(line.words.begin(), actionBegin, isHomeWord))
+        notePartialSupport(analysis, "'find' may find other files, as '~' stands for itself here");
     noteLaterEnd(analysis, line);
     if (dependsOnFolder(line, paths))
         notePartialSupport(analysis, fmt::format("'find' runs {} in the folder of each file, which isn't shown here",
@@ -188,6 +198,8 @@ CommandResult execute(BasherAnalysis& analysis, const ModelInput& input, const A
     if (line.terminator() == "+") return runOnAll(runs, analysis, line, paths);
     const Words args = line.args();
     for (const auto& path : paths) runs.run(line.command(), filledIn(analysis, args, placeholder, path));
+    // POSIX: how the command ends is the value of the action, and not that of the tool.
+    if (runs.result().exitCode != 0) analysis.doubtResult("'find' succeeds although its command fails");
     return runs.result();
 }
 
@@ -199,7 +211,7 @@ CommandResult act(BasherAnalysis& analysis, const ModelInput& input, const Actio
 // Of a listing that failed the result is that of the line, and the action isn't simulated.
 void noteWithoutAction(BasherAnalysis& analysis, const ActionLine& line, const CommandResult& listing) {
     if (!mayChangeSomething(analysis, line)) return;
-    if (mayHavePaths(listing))
+    if (mayHavePaths(listing, line.words))
         noteUnknownChanges(analysis, fmt::format("It can't be told on which files 'find' runs its {}", line.name()));
     noteLaterEnd(analysis, line);
 }

@@ -60,9 +60,8 @@ TidyRequest readRequest(const Words& words) {
     request.executes = request.preview.size() < words.size();
     request.isCopy = std::find(request.preview.begin(), request.preview.end(), copyOption) != request.preview.end();
     forEachRole(words, [&](const std::string& word, WordRole role) {
-        const bool isOption = role == WordRole::option;
-        if ((word == executeOption || word == copyOption) && !isOption) request.isInDoubt = true;
-        if (isOption && word != executeOption && resemblesExecute(word)) request.isInDoubt = true;
+        const bool isKnown = word == executeOption || word == copyOption;
+        if (isKnown ? role != WordRole::option : resemblesExecute(word)) request.isInDoubt = true;
     });
     return request;
 }
@@ -108,7 +107,7 @@ Preview readPreview(std::string_view output) {
         }
         const auto at = line.find(arrow);
         if (at == std::string::npos) continue;
-        const std::string_view name = trimmed(std::string_view(line).substr(at + arrow.size()));
+        const std::string_view name = std::string_view(line).substr(at + arrow.size());
         if (const auto match = remainder.find(name))
             preview.unlisted = sumWithoutOverflow(preview.unlisted, *match->group(1));
         else if (category && !name.empty())

@@ -43,10 +43,12 @@ bool isWritingCluster(std::string_view word) {
 }
 
 void noteUnshown(BasherAnalysis& analysis, const Words& words, const ArgExtractor::FlagsAndOptions& taken) {
-    for (const std::string& word : words)
-        if (isFlagCluster(word) ? isWritingCluster(word)
-                                : word.starts_with("--") && mayMeanWritingOption(std::string_view(word).substr(2)))
-            noteMore(analysis, fmt::format("gifsicle may do more than is shown here with {}", quotedForSentence(word)));
+    const auto writes = [](const std::string& word) {
+        if (isFlagCluster(word)) return isWritingCluster(word);
+        return word.starts_with("--") && mayMeanWritingOption(std::string_view(word).substr(2));
+    };
+    if (const auto word = std::find_if(words.begin(), words.end(), writes); word != words.end())
+        noteMore(analysis, fmt::format("gifsicle may do more than is shown here with {}", quotedForSentence(*word)));
     const bool isGivenTwice = taken.options.size() > 1 && taken.value("o") != taken.value("output");
     const bool hasNoName = std::any_of(taken.options.begin(), taken.options.end(),
                                        [](const auto& option) { return option.second.empty(); });
@@ -76,16 +78,16 @@ CommandResult gifsicle(BasherAnalysis& analysis, const ModelInput& input) {
 
     Words sources = args.remainingArgs();
     std::erase(sources, standardStream);
-    const auto unusable = [&](const std::string& path) -> std::optional<CommandResult> {
+    for (const std::string& path : sources) {
         const FilePath url = analysis.resolveURL(path);
         if (!analysis.fileExists(url))
             return analysis.addCommandError("GIF source doesn’t exist",
                                             fmt::format("gifsicle: {}: No such file or directory", path));
-        if (analysis.fileHistory(url).isUnchangedOriginal()) return std::nullopt;
-        noteChangesOf(analysis, task);
-        return CommandResult::unpredictable();
-    };
-    if (auto end = firstFailure(sources, unusable)) return *end;
+        if (!analysis.fileHistory(url).isUnchangedOriginal()) {
+            noteChangesOf(analysis, task);
+            return CommandResult::unpredictable();
+        }
+    }
     if (task.output) {
         analysis.addFileChange(creation(analysis.resolveURL(*task.output)), false);
     } else if (task.isBatch) {

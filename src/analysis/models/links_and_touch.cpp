@@ -47,9 +47,10 @@ CommandResult linkIntoFolder(BasherAnalysis& analysis, const Words& sources, con
     if (!analysis.isExistingDirectory(folder))
         return analysis.addCommandError("Can't link to directory",
                                         fmt::format("ln: target '{}' is not a directory", destination));
+    const std::string prefix = destination.ends_with('/') ? destination : destination + '/';
     const auto link = [&](const std::string& source) {
         const FilePath place = placeIn(folder, analysis.resolveURL(source));
-        return makeLink(analysis, source, place, fmt::format("{}/{}", destination, place.name()), options);
+        return makeLink(analysis, source, place, prefix + std::string(place.name()), options);
     };
     return firstFailure(sources, link).value_or(CommandResult::success());
 }

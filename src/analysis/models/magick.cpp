@@ -90,8 +90,42 @@ CommandResult identify(BasherAnalysis& analysis, const Words& operands, const Wo
     return result;
 }
 
-CommandResult mogrify(BasherAnalysis& analysis, const Words& operands) {
+// Several images, or the frames of one, go into files with numbers.
+std::string firstNumbered(const std::string& path) {
+    const std::size_t point = path.rfind('.');
+    return path.substr(0, point) + "-0" + path.substr(point);
+}
+
+// The words behind an option, which may be spelt in any case.
+Words valuesOf(const Words& words, std::string_view option) {
+    Words values;
+    for (std::size_t at = 0; at + 1 < words.size(); ++at)
+        if (lowercased(words[at]) == option) values.push_back(words[at + 1]);
+    return values;
+}
+
+// mogrify leaves its files as they are where these send the results elsewhere. That matters where it would hit a file
+// that is there, or where it can't be told what the results are called.
+void noteRedirected(BasherAnalysis& analysis, const Words& words, const Words& operands) {
+    const Words formats = valuesOf(words, "-format"), paths = valuesOf(words, "-path");
+    if (formats.empty() && paths.empty()) return;
+    const auto isHit = [&](const std::string& path) {
+        const FilePath url = analysis.resolveURL(path);
+        const FilePath folder = paths.empty() ? url.parent() : analysis.resolveURL(paths.front());
+        const std::string extension = formats.empty() ? std::string(pathExtension(url.text())) : formats.front();
+        const FilePath target = folder.child(std::string(pathBaseName(url.text())) + "." + extension);
+        return target != url && (analysis.fileExists(target) || !isMissing(analysis, firstNumbered(target.text())));
+    };
+    const bool isClear = formats.size() < 2 && paths.size() < 2 &&
+                         (formats.empty() || formats.front().find_first_of("%:/") == std::string::npos);
+    if (!isClear || std::any_of(operands.begin(), operands.end(), isHit))
+        noteUnknownChanges(analysis, fmt::format("magick: '{}' may write files that aren't shown here",
+                                                 formats.empty() ? "-path" : "-format"));
+}
+
+CommandResult mogrify(BasherAnalysis& analysis, const Words& operands, const Words& words) {
     if (operands.empty()) return CommandResult::unpredictable();
+    noteRedirected(analysis, words, operands);
     const auto change = [&](const std::string& path) -> std::optional<CommandResult> {
         if (isMissing(analysis, path)) return missingImage(analysis, "magick mogrify", path);
         analysis.addFileChange(modification(analysis.resolveURL(path)), std::nullopt);
@@ -102,10 +136,9 @@ CommandResult mogrify(BasherAnalysis& analysis, const Words& operands) {
     return printedSomething();
 }
 
-// Several images, or the frames of one, go into files with numbers. That matters where it would hit one that is there.
+// That matters where it would hit one that is there.
 void noteNumberedFiles(BasherAnalysis& analysis, const std::string& output) {
-    const std::size_t point = output.rfind('.');
-    const std::string numbered = output.substr(0, point) + "-0" + output.substr(point);
+    const std::string numbered = firstNumbered(output);
     if (!isMissing(analysis, numbered))
         noteUnknownChanges(analysis, fmt::format("magick may also write {}", quotedForSentence(numbered)));
 }
@@ -188,10 +221,10 @@ CommandResult magick(BasherAnalysis& analysis, const ModelInput& input) {
     args.extractFlagsAndOptions(magickOptions());
     Words operands = args.remainingArgs();
     std::erase_if(operands, [](const std::string& word) { return word.starts_with('+'); });
-    for (SideEffect& hazard : magickHazards(tool, words, operands)) analysis.addSideEffect(std::move(hazard));
+    for (SideEffect& hazard : magickHazards(words, operands)) analysis.addSideEffect(std::move(hazard));
 
     if (tool == "identify") return identify(analysis, operands, input.args);
-    if (tool == "mogrify") return mogrify(analysis, operands);
+    if (tool == "mogrify") return mogrify(analysis, operands, words);
     return makeImage(analysis, operands);
 }
 

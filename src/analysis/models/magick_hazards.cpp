@@ -15,8 +15,6 @@ namespace {
 
 // In lower case, since MSL:x is msl:x to ImageMagick.
 constexpr std::string_view writingOptions[] = {"write", "script", "process"};
-// mogrify leaves its files as they are where these send the results elsewhere.
-constexpr std::string_view redirectingOptions[] = {"format", "path"};
 // Formats that run a script, and one that deletes the file that it has read; a drawing can name them too.
 constexpr std::string_view actingFormats[] = {"msl", "mvg", "msvg", "ephemeral"};
 // As the begin of an operand: addresses, descriptors, lists of files, the screen.
@@ -57,23 +55,23 @@ bool isOption(std::string_view lowerCasedWord, AcceptedFlags names) {
 
 }  // namespace
 
-std::vector<SideEffect> magickHazards(std::string_view tool, const std::vector<std::string>& words,
-                                      const std::vector<std::string>& operands) {
+std::vector<SideEffect> magickHazards(const std::vector<std::string>& words, const std::vector<std::string>& operands) {
     std::vector<SideEffect> found;
     const auto mayDoMore = [&](const std::string& word) {
         found.push_back({PlainSideEffect::partialSupport,
                          fmt::format("magick may do more than is shown here with {}", quotedForSentence(word))});
     };
     for (const std::string& word : words) {
+        if (found.size() >= mostSentences) break;
         const std::string lower = lowercased(word);
-        if (isOption(lower, writingOptions) || (tool == "mogrify" && isOption(lower, redirectingOptions)))
+        if (isOption(lower, writingOptions))
             found.push_back(
                 {PlainSideEffect::unknownFileChanges,
                  fmt::format("magick: {} may write files that aren't shown here", quotedForSentence(word))});
         if (namesAnyFormat(lower, actingFormats)) mayDoMore(word);
     }
     for (const std::string& operand : operands)
-        if (reachesOut(lowercased(operand))) mayDoMore(operand);
+        if (found.size() < mostSentences && reachesOut(lowercased(operand))) mayDoMore(operand);
     return found;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <unordered_set>
 
 #include <fmt/format.h>
 
@@ -63,8 +64,9 @@ std::optional<std::string> firstUnsupported(const Words& flags, AcceptedFlags ac
 
 Words allUnsupported(const Words& flags, AcceptedFlags accepted) {
     Words unsupported;
+    std::unordered_set<std::string_view> seen;
     for (const auto& flag : flags)
-        if (!isAmong(flag, accepted) && !hasFlag(unsupported, flag)) unsupported.push_back(flag);
+        if (!isAmong(flag, accepted) && seen.insert(flag).second) unsupported.push_back(flag);
     return unsupported;
 }
 

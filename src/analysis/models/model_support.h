@@ -5,6 +5,7 @@
 //     if (auto failure = firstFailure(operands, removeFolder)) return *failure;
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -54,6 +55,9 @@ void noteEndOfOptions(BasherAnalysis& analysis, std::string_view command, const 
 // False, with nothing set, where it can't be told which of the printed words is the name: another command may carry this
 // one, as `xargs` does.
 bool insertOnPrinting(const ModelInput& input, Words words);
+
+// How many sentences of a kind are said of one command at most: beyond them a user learns nothing more.
+inline constexpr std::size_t mostSentences = 20;
 
 // Says that files may change that the prediction doesn't show.
 void noteUnknownChanges(BasherAnalysis& analysis, std::string sentence);

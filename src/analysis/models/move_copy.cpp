@@ -78,6 +78,7 @@ CommandResult moveIntoFolder(BasherAnalysis& analysis, const Words& sources, con
 
 constexpr std::string_view recursiveFlags[] = {"r", "R", "a"};
 constexpr std::string_view linkingFlags[] = {"l", "s"};
+constexpr std::string_view contentsFlags[] = {"T", "no-target-directory", "parents"};
 
 struct CopyOptions {
     bool isRecursive = false;
@@ -93,6 +94,27 @@ CopyOptions copyOptions(const Words& flags) {
         if (flag == "n") options.mayOverwrite = false;
     }
     return options;
+}
+
+bool isReadOtherwise(const std::string& flag) {
+    return flag == "t" || flag.starts_with("target-directory");
+}
+
+bool namesFolderItself(const std::string& source) {
+    const std::string_view name = lastPathComponent(source);
+    return name == "." || name == "..";
+}
+
+// GNU coreutils 9.1, cp: the folder in front (-t), what a folder holds straight into another (`dir/.`, -T), files under
+// their folders' names (--parents). Each can hit files that stand where no copy is shown.
+void noteOtherPlaces(BasherAnalysis& analysis, const Words& flags, const Words& operands, const CopyOptions& options) {
+    if (!options.mayOverwrite) return;
+    const bool isUnlikeNames =
+        hasAnyFlag(flags, contentsFlags) ||
+        (options.isRecursive && std::any_of(operands.begin(), operands.end() - 1, namesFolderItself));
+    const bool fills = isUnlikeNames && analysis.isExistingDirectory(analysis.resolveURL(operands.back()));
+    if (fills || std::any_of(flags.begin(), flags.end(), isReadOtherwise))
+        noteUnknownChanges(analysis, "'cp' may put files elsewhere than shown here, and over what stands there");
 }
 
 CommandResult copySourceMissing(BasherAnalysis& analysis, const FilePath& url, const std::string& source) {
@@ -175,6 +197,7 @@ CommandResult copyFiles(BasherAnalysis& analysis, const ModelInput& input) {
         return analysis.addCommandError("Copy command incorrectly written",
                                         "cp: cannot specify both -l (hard links) and -s (symbolic links)");
     const CopyOptions options = copyOptions(flags);
+    noteOtherPlaces(analysis, flags, operands, options);
     if (operands.size() == 2) return copyOne(analysis, operands.front(), operands.back(), options);
     return copyIntoFolder(analysis, allButLast(operands), operands.back(), options);
 }

@@ -56,6 +56,7 @@ CommandResult openItem(BasherAnalysis& analysis, const ModelInput& input) {
                                                     {"stdin", 1},
                                                     {"stdout", 1},
                                                     {"stderr", 1}});
+    analysis.doubtResult("'open' is taken to succeed");
     if (taken.hasFlag("W")) analysis.addSideEffect({PlainSideEffect::longRunning, std::nullopt});
     if (taken.hasFlag("R")) {
         analysis.addSideEffect({PlainSideEffect::revealsInFinder, std::nullopt});

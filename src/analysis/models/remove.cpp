@@ -64,6 +64,14 @@ std::optional<CommandResult> removeFolder(BasherAnalysis& analysis, const std::s
     return std::nullopt;
 }
 
+// A link that leads nowhere counts as missing, but the tool takes it away, and with -f nothing else is said of it.
+void noteLinkToNowhere(BasherAnalysis& analysis, const FilePath& url) {
+    if (url.isRoot() || analysis.fileHistory(url).history.size() > 1) return;
+    const auto& names = analysis.state().overlay.realNames(url.parent());
+    if (names && std::find(names->begin(), names->end(), url.name()) != names->end())
+        noteUnknownChanges(analysis, "A link that leads nowhere is deleted too, which isn't shown here");
+}
+
 std::optional<CommandResult> removeItem(BasherAnalysis& analysis, const std::string& path,
                                         const RemoveOptions& options) {
     const std::string_view name = lastPathComponent(path);
@@ -71,7 +79,10 @@ std::optional<CommandResult> removeItem(BasherAnalysis& analysis, const std::str
         return incorrectlyWritten(analysis, fmt::format("rm: cannot remove '{}': Invalid argument", path));
     const FilePath url = analysis.resolveURL(path);
     if (!analysis.fileExists(url)) {
-        if (options.isForced) return std::nullopt;
+        if (options.isForced) {
+            noteLinkToNowhere(analysis, url);
+            return std::nullopt;
+        }
         return analysis.addCommandError(fmt::format("Delete command: {} doesn't exist", url.name()),
                                         fmt::format("rm: cannot remove '{}': No such file or directory", path));
     }

@@ -79,7 +79,7 @@ void noteInPlace(BasherAnalysis& analysis, const RealSed& sed) {
     if (!sed.isInPlace) return;
     Words unlisted;
     for (const auto& file : sed.files) {
-        if (!isThere(analysis, "sed", file)) continue;
+        if (file.empty() || !isThere(analysis, "sed", file)) continue;
         if (!isShownAs(analysis, file, FileStateType::modified)) unlisted.push_back(file);
         if (sed.backupSuffix.empty()) continue;
         const auto backup = plainBackup(sed, file);

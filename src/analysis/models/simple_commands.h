@@ -9,10 +9,12 @@ namespace brindlet {
 // A fixed result, whatever the words.
 CommandResult succeed(BasherAnalysis& analysis, const ModelInput& input);
 CommandResult fail(BasherAnalysis& analysis, const ModelInput& input);
-CommandResult printSomething(BasherAnalysis& analysis, const ModelInput& input);  // exit 0, unknown output
-CommandResult saySomething(BasherAnalysis& analysis, const ModelInput& input);    // nothing is known
-CommandResult askNetwork(BasherAnalysis& analysis, const ModelInput& input);      // host
-CommandResult download(BasherAnalysis& analysis, const ModelInput& input);        // wget
+CommandResult printSomething(BasherAnalysis& analysis, const ModelInput& input);    // exit 0, unknown output
+CommandResult saySomething(BasherAnalysis& analysis, const ModelInput& input);      // nothing is known
+CommandResult calculateOnStack(BasherAnalysis& analysis, const ModelInput& input);  // dc
+CommandResult showHistory(BasherAnalysis& analysis, const ModelInput& input);       // history
+CommandResult askNetwork(BasherAnalysis& analysis, const ModelInput& input);        // host
+CommandResult download(BasherAnalysis& analysis, const ModelInput& input);          // wget
 
 // Really run. The first looks at files and says that it sees only the real ones; the second needs a known standard
 // input.
@@ -25,8 +27,5 @@ CommandResult refuseRootCommand(BasherAnalysis& analysis, const ModelInput& inpu
 CommandResult refuseFsUsage(BasherAnalysis& analysis, const ModelInput& input);
 CommandResult refuseBanned(BasherAnalysis& analysis, const ModelInput& input);  // sudo, su
 CommandResult refuseEditor(BasherAnalysis& analysis, const ModelInput& input);
-
-// A command that is to have a model and has none yet: predicted like one that the simulation only knows by name.
-CommandResult notYetModelled(BasherAnalysis& analysis, const ModelInput& input);
 
 }  // namespace brindlet

@@ -88,15 +88,19 @@ bool isChange(std::string_view word) {
 }
 
 // Other sources than the last word, and options that may write and aren't known here.
-void noteUnshown(BasherAnalysis& analysis, const Words& words, bool writes) {
-    for (std::size_t at = 0; at + 1 < words.size(); ++at) {
+void noteUnshown(BasherAnalysis& analysis, const Words& words, bool changesSources) {
+    std::size_t said = 0;
+    for (std::size_t at = 0; at + 1 < words.size() && said < mostSentences; ++at) {
         const std::string& word = words[at];
-        if (const Option* option = optionNamed(word))
+        if (const Option* option = optionNamed(word)) {
             at += option->values;
-        else if (word.starts_with('-'))
+        } else if (word.starts_with('-')) {
             noteMore(analysis, fmt::format("sips may do more than is shown here with {}", quotedForSentence(word)));
-        else if (writes)
+            ++said;
+        } else if (changesSources) {
             noteUnknownChanges(analysis, fmt::format("sips may change {} too", quotedForSentence(word)));
+            ++said;
+        }
     }
 }
 
@@ -121,7 +125,7 @@ CommandResult sips(BasherAnalysis& analysis, const ModelInput& input) {
         return analysis.addCommandError(fmt::format("Image processor: {} doesn't exist", url.name()),
                                         fmt::format("sips: {}: No such file or directory", source));
     const bool changes = std::any_of(words.begin(), words.end(), isChange);
-    noteUnshown(analysis, words, changes || output);
+    noteUnshown(analysis, words, changes && !output);
     if (changes || output) noteMayFail(analysis, "sips");
     if (output) {
         analysis.addFileChange(creation(analysis.resolveURL(*output)), false);

@@ -86,10 +86,10 @@ void noteOtherVerb(BasherAnalysis& analysis, const std::string& word) {
 
 // --- sysctl ---
 
-// procps 4.0, man sysctl, and FreeBSD's: options with which names are only read.
-constexpr std::string_view readingLetters = "aAbdehiIlnNoqrtVxX";
-constexpr std::string_view readingOptions[] = {"--all",   "--binary", "--deprecated", "--ignore", "--names",
-                                               "--quiet", "--values", "--help",       "--version"};
+// procps 4.0, man sysctl, and FreeBSD's: options with which a name that gets no value is only read.
+constexpr std::string_view readingLetters = "aAbdehiIlnNoqrtVwxX";
+constexpr std::string_view readingOptions[] = {"--all",   "--binary", "--deprecated", "--ignore",  "--names",
+                                               "--quiet", "--values", "--help",       "--version", "--write"};
 
 bool isReadingOption(std::string_view word) {
     if (word.starts_with("--")) return word == "--" || isAmong(word, readingOptions) || word.starts_with("--pattern=");
@@ -138,8 +138,8 @@ CommandResult changeDefaults(BasherAnalysis& analysis, const ModelInput& input) 
 
 CommandResult kernelSettings(BasherAnalysis& analysis, const ModelInput& input) {
     const auto [settings, otherOption] = readSysctlWords(input.args);
-    // -w is for settings alone; -p and -f take them from a file.
-    if (otherOption && (settings.empty() || *otherOption != "-w"))
+    // -p and -f take settings from a file.
+    if (otherOption)
         analysis.addSideEffect({PlainSideEffect::partialSupport,
                                 fmt::format("'sysctl {}' may change settings, which isn't shown here", *otherOption)});
     if (settings.empty()) {

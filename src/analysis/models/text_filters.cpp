@@ -17,6 +17,7 @@ constexpr ToolOption headOptions[] = {{'c', "bytes", Takes::value}, {'n', "lines
 constexpr ToolOption tailOptions[] = {{'c', "bytes", Takes::value},
                                       {'n', "lines", Takes::value},
                                       {'s', "sleep-interval", Takes::value},
+                                      {'b', "", Takes::value},  // of another tail, refused by this one
                                       {0, "pid", Takes::value},
                                       {0, "max-unchanged-stats", Takes::value}};
 constexpr ToolOption cutOptions[] = {{'b', "bytes", Takes::value},
@@ -77,7 +78,9 @@ std::optional<Words> wordsForUsage(const ArgExtractor::FlagsAndOptions& taken) {
 
 bool cutWouldWork(const Words& words) {
     const ToolReading reading = readAsTool(words, cutOptions);
-    return reading.value('b') || reading.value('c') || reading.value('f');
+    const auto hasValue = [&](char letter) { return reading.value(letter).has_value(); };
+    const auto lacksValue = [&](char letter) { return reading.has(letter) && !hasValue(letter); };
+    return std::ranges::any_of(std::string_view("bcf"), hasValue) && std::ranges::none_of(cutLetters, lacksValue);
 }
 
 // --- sort, uniq ---
@@ -106,12 +109,13 @@ CommandResult showEnd(BasherAnalysis& analysis, const ModelInput& input) {
     const bool isHead = input.name == "head";
     ArgExtractor args = wordsOf(input);
     const ArgExtractor::OptionArities headValues{{"n", 1}, {"c", 1}}, tailValues{{"b", 1}, {"c", 1}, {"n", 1}};
-    args.extractFlagsAndOptions(isHead ? headValues : tailValues);
+    const auto taken = args.extractFlagsAndOptions(isHead ? headValues : tailValues);
     const Words& files = args.remainingArgs();
 
     noteMisreadOperands(analysis, input, files, isHead ? std::span<const ToolOption>(headOptions) : tailOptions);
     // The older way to count from the start: `tail +5 file`.
     if (!isHead && !files.empty() && files.front().starts_with('+')) noteMisreading(analysis, input.name);
+    if (taken.options.contains("b")) analysis.doubtResult("Not every 'tail' has the option '-b'");
     if (const auto missing = firstMissing(analysis, input.name, files)) {
         if (*missing == "-") analysis.doubtResult(fmt::format("'{}' reads its standard input for '-'", input.name));
         return noSuchFile(input.name, *missing);

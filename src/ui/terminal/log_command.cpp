@@ -9,9 +9,10 @@ constexpr std::size_t longestLogBytes = 256 * 1024 * 1024;
 
 class LogCommand final : public Subcommand {
   public:
-    explicit LogCommand(CLI::App& app) : path_(*app.add_subcommand("path", "Prints where the newest log file is")) {
+    explicit LogCommand(CLI::App& app)
+        : path_(added(app, "path", "Prints where the newest log file is", "less \"$(brindlet log path)\"")) {
+        added(app, "show", "Prints the newest log file", "brindlet log show");
         app.require_subcommand(1);
-        app.add_subcommand("show", "Prints the newest log file");
     }
 
     int run(CommandLineContext& context, StandardOutput& output) override {
@@ -34,6 +35,11 @@ class LogCommand final : public Subcommand {
     }
 
   private:
+    static const CLI::App& added(CLI::App& app, const std::string& name, const std::string& summary,
+                                 const std::string& example) {
+        return *app.add_subcommand(name, summary)->footer("Example:\n  " + example);
+    }
+
     const CLI::App& path_;
 };
 

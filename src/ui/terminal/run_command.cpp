@@ -43,6 +43,7 @@ struct RunReport {
     EndState state = EndState::complete;
     std::optional<std::string> error;
     std::string problem;      // why nothing ran, where that is no error of its own
+    std::string note;         // what people should know, though nothing went wrong
     bool wasStopped = false;  // by the user, before the run or in it
 };
 
@@ -150,7 +151,7 @@ class RunCommand final : public Subcommand {
         if (!mayRun(report, interruption)) return;
         if (hasTooManyFiles(report.command, files)) return presentError(report, std::string(tooManyFilesText));
         if (files.empty() && runMode(report.command) == RunMode::oncePerFile) {
-            report.problem = "nothing was run, since the command runs once for each FILE and none is given";
+            report.note = "nothing was run, since the command runs once for each FILE and none is given";
             return;
         }
         runNow(report, files, context, output, interruption);
@@ -226,7 +227,8 @@ class RunCommand final : public Subcommand {
             for (const std::string& message : report.runs.failureMessages) reportProblem(message);
         }
         output.flush();
-        if (!report.problem.empty()) reportProblem(report.problem);
+        for (const std::string& sentence : {report.problem, report.note})
+            if (!sentence.empty()) reportProblem(sentence);
     }
 
     const CLI::Option& command_;

@@ -58,6 +58,14 @@ TEST(Find, Delete) {
                     "1 './a.x" + std::string(1, '\0') + "'"},
                    {"find . -delete", {}, launches, {}, {}, {notShown + "-delete"}, "? unknown"},
                    {"find . -delete", {.exitCode = 1, .output = "find: no"}, launches, {}, {}, {}, "1 'find: no'"},
+                   // A shell would search the home folder.
+                   {"find ~/x -delete",
+                    {.exitCode = 1, .output = "find: no"},
+                    {"find|~/x|-print0"},
+                    {},
+                    {},
+                    {notShown + "-delete"},
+                    "1 'find: no'"},
                });
 }
 
@@ -81,7 +89,13 @@ TEST(Find, Execute) {
              {},
              {},
              "0 '-p-p- x\n-q r-q r- x\n'"},
-            {"find . -exec false \\;", found({"p", "q"}), launches, {}, {}, {}, "1"},
+            {"find . -exec false \\; && rm a.x",
+             found({"p", "q"}),
+             launches,
+             {},
+             {},
+             {"partialSupport: 'rm a.x' may run too, which isn't shown here"},
+             "1"},
             {"find . -exec /w/a.x.sh \\;",
              found({"p"}),
              launches,
@@ -177,11 +191,12 @@ TEST(Find, RealTool) {
         EXPECT_EQ(real.changes("find . -name '*.tmp' -delete"), deletions);
         EXPECT_EQ(real.changes("find . -name '*.tmp' -maxdepth 9 -exec rm {} \\;"), deletions);
         EXPECT_EQ(real.changes("find . -type f -name '*.tmp' -print0 | xargs -0 rm"), deletions);
-        for (const char* line :
-             {"find . -fprint keep", "find . -name '*.raw' -delete", "find . -fls keep", "find . -name x -fprint0 keep -delete", "find . -delete",
-              "find . -execdir rm -f x \\;", "find . -exec rm + {} \\;", "find . -ok rm {} \\;", "find / -delete",
-              "find -files0-from - -delete", "find -D search . -delete", "find . -warn -name x -maxdepth 1 -delete",
-              "find . -name '*.tmp' | xargs rm", "find . -okdir sh -c 'echo > keep' \\;"}) {
+        for (const char* line : {"find . -fprint keep", "find . -name '*.raw' -delete", "find . -fls keep",
+                                 "find . -name x -fprint0 keep -delete", "find . -delete",
+                                 "find . -execdir rm -f x \\;", "find . -exec rm + {} \\;", "find . -ok rm {} \\;",
+                                 "find / -delete", "find -files0-from - -delete", "find -D search . -delete",
+                                 "find ~ -delete", "find ~/ -exec rm {} +", "find . -warn -name x -maxdepth 1 -delete",
+                                 "find . -name '*.tmp' | xargs rm", "find . -okdir sh -c 'echo > keep' \\;"}) {
             SCOPED_TRACE(line);
             EXPECT_TRUE(isAskedAbout(real.predict(line), real.scratch.path()));
         }

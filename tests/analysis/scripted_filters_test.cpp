@@ -5,6 +5,8 @@
 
 #include "analysis/models/awk_program.h"
 #include "analysis/models/sed_script.h"
+#include "platform/read_only_launcher.h"
+#include "support/ordinary_user.h"
 #include "support/predict.h"
 #include "text/strings.h"
 
@@ -85,13 +87,12 @@ TEST(Sed, InPlace) {
     const std::string noScript = "Text modification command written wrong / sed: missing script argument";
     const std::string noFile = "1 'sed: can't do in-place editing on standard input'";
     expectRows({
-        {"sed -i '' s/a/b/ a", "0 unknown", {"modify a"}},
         {"sed -i.bak s/a/b/ a b", "0 unknown", {"modify a", "create a.bak", "modify b", "create b.bak"}},
         {"sed -i -e s/a/b/ a", "0 unknown", {"modify a"}},
         {"sed s/a/b/ a -i", "0 unknown", {"modify a"}},
-        {"sed -i '' s/a/b/ a no",
+        {"sed -i.x s/a/b/ a no",
          "1 'sed: no: No such file or directory'",
-         {"modify a"},
+         {"modify a", "create a.x"},
          {"Text modification expects file / sed: no: No such file or directory"}},
         {"sed -i.bak s/a/b/", noFile, {}, {onInput}},
         // What the tool here changes besides: it takes no suffix in a word of its own, and knows more spellings.
@@ -101,9 +102,18 @@ TEST(Sed, InPlace) {
         {"sed --in-place=.bak 1p a", "0 'real'", {}, {}, {unlisted("'a' and 1 more")}},
         {"cat b | sed 1p a --in-pl", "0 unknown", {}, {}, {unlisted("'a'")}},
         {"sed -i'd/*' 1p a", "0 unknown", {"modify a", "create ad/*"}, {}, {unlisted("'ad/*'")}},
-        {"sed -i '' 'w b' a", "0 unknown", {"modify a"}, {}, {}},  // its script is '' here, "w b" a file
         {"sed -i.x 'w b' a", "0 unknown", {"modify a", "create a.x"}, {}, {unlisted("'b'")}},
     });
+}
+
+TEST(Sed, SuffixInAWordOfItsOwn) {
+    FakeDisk disk{"a"};
+    for (const char* line : {"sed -i '' s/a/b/ a", "sed -n -i '' -e s/a/b/ a"}) {
+        const AnalysisResult result = predict(line, disk);
+        EXPECT_EQ(outcome(result), "0 unknown");
+        EXPECT_EQ(described(result), Texts{"modify a"});
+        EXPECT_TRUE(result.commandErrors.empty());
+    }
 }
 
 TEST(SedScripts, WhatTheyDo) {
@@ -135,6 +145,35 @@ TEST(SedScripts, WhatTheyDo) {
         for (const auto& file : found.writtenFiles) text += "w " + file;
         EXPECT_EQ(text + (found.isUnderstood ? "" : "?"), does) << script;
     }
+}
+
+// The real sed refuses the same commands where it is told to keep to itself.
+TEST(SedScripts, AgreeWithTheRealTool) {
+    inOrdinaryProcess([] {
+        const auto launcher = openReadOnlyLauncher();
+        if (launcher->layers() == "none") GTEST_SKIP() << "nothing is launched here";
+        const std::string_view pieces[] = {"s/a/b/", "s",     "/",    "[",   "]",    "\\",  "w out",   "e",  "e id",
+                                           "p",      ";",     "\n",   "{",   "}",    "r f", "1",       "$",  ",",
+                                           "!",      "y/a/b", "i\\",  "a x", "I",    "g",   " ",       "#n", ":a",
+                                           "ba",     "[^/]",  "[[:a", ":]",  "s|x|", "~2",  "s/[/]/w", "x",  "[]"};
+        std::mt19937 random(1);
+        const auto below = [&](std::size_t count) { return random() % count; };
+        for (int count = 0; count < 300; ++count) {
+            std::string script;
+            for (std::size_t left = 1 + below(8); left > 0; --left) script += pieces[below(std::size(pieces))];
+            const ToolOutcome judged = launcher->run({.arguments = {"sed", "--sandbox", "-e", script},
+                                                      .folder = FilePath("/"),
+                                                      .environment = {{"PATH", "/usr/bin:/bin"}, {"LC_ALL", "C"}}});
+            const SedScript found = readSedScript(script);
+            const bool doesMore = found.runsCommands || !found.readFiles.empty() || !found.writtenFiles.empty();
+            if (contains(judged.output, "disabled in sandbox mode")) {
+                EXPECT_TRUE(doesMore) << script;
+            }
+            if (judged.exitCode == 0) {
+                EXPECT_TRUE(found.isUnderstood && !doesMore) << script;
+            }
+        }
+    });
 }
 
 TEST(AwkPrograms, Hazards) {

@@ -25,13 +25,13 @@ TEST(Curl, FilesAndRequests) {
     expectRows(disk, {
                          request("curl h.org/x", {}, "h.org/x"),
                          request("curl -sSL -o new https://h.org/x", {"create new"}, "https://h.org/x"),
-                         request("curl -o - https://h.org/x -D -", {}, "https://h.org/x"),
+                         request("curl -o - https://h.org/x", {}, "Requests - and 1 more"),
                          request("curl https://h.org/x --output old -D head",
                                  {"create head", "create old", "overwrite old"}, "https://h.org/x"),
                          request("curl -sLO https://h.org/d/a.zip", {"create a.zip"}, "https://h.org/d/a.zip"),
                          request("curl --remote-name 'h.org/a.zip?v=1/2#x'", {"create a.zip"}, "h.org/a.zip?v=1/2#x"),
                          request("curl u1 -H 'X: y' u2 --url u3", {}, "Requests u1 and 2 more"),
-                         request("curl -T '' -T a ftp://h", {}, "ftp://h"),
+                         request("curl -T folder -T a ftp://h", {}, "ftp://h"),
                          request("curl", {}, "Makes network request"),
                          {.line = "curl -O", .errors = {"URL not specified / curl: (2) no URL specified"}},
                          {.line = "curl -O https://h.org/d/", .errors = noName},
@@ -52,12 +52,14 @@ TEST(Curl, UnshownWrites) {
     expectRows(
         disk,
         {
-            request("curl -oold u", {}, "u", {mayWrite("old")}),
+            request("curl -oaway u", {}, "Makes network request", {mayWrite("away")}),  // -y takes "u"
+            request("curl -oaways u", {}, "u", {mayWrite("aways")}),
             request("curl -so old u", {"create old", "overwrite old"}, "u"),
             request("curl -o old u -o new v", {"create new"}, "Requests u and 1 more", {mayWrite("old")}),
             request("curl --output=old u", {}, "u", {mayWrite("old")}),
             request("curl -o -x u", {}, "Makes network request", {mayWrite("-x")}),
-            request("curl -c old u --trace t --trace-ascii -", {}, "u", {mayWrite("old"), mayWrite("t")}),
+            request("curl -c old u --trace t --trace-ascii -", {}, "Requests u and 1 more",
+                    {mayWrite("old"), mayWrite("t")}),
             request("curl --cookie-j old u", {}, "Requests old and 1 more", {mayWrite("old")}),
             request("curl --stderr old --hsts h u", {}, "Requests old and 2 more", {mayWrite("old"), mayWrite("h")}),
             request("curl --output-dir folder -o new u", {"create new"}, "u", {mayWrite("new")}),
