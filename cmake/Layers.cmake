@@ -1,3 +1,9 @@
+# brindlet_unity(TARGET): its sources are compiled several at a time, since reading the headers is what takes long. Names in
+# the unnamed namespaces of a layer are different for that.
+function(brindlet_unity target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
+endfunction()
+
 # brindlet_layer(FOLDER LINKS TARGET...): the folder src/FOLDER as one library.
 #
 # Its headers are found as "FOLDER/header.h", and only by targets that link it: the include path of a layer
@@ -8,6 +14,7 @@ function(brindlet_layer folder)
   set(source ${CMAKE_SOURCE_DIR}/src/${folder})
   file(GLOB sources CONFIGURE_DEPENDS ${source}/*.cpp ${source}/linux/*.cpp ${source}/terminal/*.cpp)
   add_library(brindlet_${name} STATIC ${sources})
+  brindlet_unity(brindlet_${name})
 
   set(includes ${CMAKE_BINARY_DIR}/include/${name})
   get_filename_component(parent ${includes}/${folder} DIRECTORY)

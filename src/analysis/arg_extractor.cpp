@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "analysis/programming_error.h"
 #include "text/characters.h"
 
 namespace brindlet {
@@ -13,12 +14,6 @@ namespace {
 
 using Words = std::vector<std::string>;
 using Style = ArgExtractor::Style;
-
-// A fault in a model, which no line can bring about.
-[[noreturn]] void programmingError(const char* message) {
-    std::fprintf(stderr, "%s\n", message);
-    std::abort();
-}
 
 bool beginsWithHyphen(std::string_view word) {
     return word.starts_with('-');

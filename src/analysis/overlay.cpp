@@ -7,6 +7,7 @@
 #include <set>
 #include <unordered_set>
 
+#include "analysis/programming_error.h"
 #include "text/characters.h"
 
 namespace brindlet {
@@ -14,12 +15,6 @@ namespace brindlet {
 namespace {
 
 using ChangeType = FileChange::FileChangeType;
-
-// A fault in a model, which no line can bring about.
-[[noreturn]] void programmingError(const char* message) {
-    std::fprintf(stderr, "%s\n", message);
-    std::abort();
-}
 
 bool isSpecialFile(const FilePath& path) {
     return path.text() == "/dev/null" || path.text() == "/dev/stderr" || path.text() == "/dev/stdout";

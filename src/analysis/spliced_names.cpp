@@ -9,7 +9,7 @@ namespace brindlet {
 
 namespace {
 
-constexpr std::string_view reference = "${SPACE_SEPARATED_FILE_NAMES}";
+constexpr std::string_view splicedReference = "${SPACE_SEPARATED_FILE_NAMES}";
 
 // What no shell acts on, whichever quotes it stands in; the quotes round each name are the splicing's own.
 bool isPlain(char c) {
@@ -25,7 +25,7 @@ class QuoteFollower {
 
     bool findsQuotedReference() {
         for (at_ = 0; at_ < text_.size(); ++at_) {
-            if (text_.substr(at_).starts_with(reference)) {
+            if (text_.substr(at_).starts_with(splicedReference)) {
                 if (inSingle_ || inDouble()) return true;
             }
             step();
@@ -67,8 +67,8 @@ class QuoteFollower {
 std::optional<std::string> splicedNamesHazard(const BashStatementList& list, std::string_view quotedNames) {
     if (std::all_of(quotedNames.begin(), quotedNames.end(), isPlain)) return std::nullopt;
     const std::string printed = print(list);
-    if (!contains(printed, reference) || !QuoteFollower(printed).findsQuotedReference()) return std::nullopt;
-    return "The names of the selected files would close the quotes round " + std::string(reference) +
+    if (!contains(printed, splicedReference) || !QuoteFollower(printed).findsQuotedReference()) return std::nullopt;
+    return "The names of the selected files would close the quotes round " + std::string(splicedReference) +
            ", so the shell might run a part of a name. Write it without quotes.";
 }
 

@@ -77,14 +77,15 @@ Step emptyStep(Step::Kind kind) {
 }
 
 Step compiledStep(const Pattern::Section& section) {
-    using Kind = Step::Kind;
-    return std::visit(Overloaded{[](const Pattern::Constant& constant) { return compiledConstant(constant); },
-                                 [](const Pattern::OneOf& oneOf) { return compiledOneOf(oneOf); },
-                                 [](const Pattern::PatternList& list) { return compiledList(list); },
-                                 [](const Pattern::ComponentWildcard&) { return emptyStep(Kind::componentWildcard); },
-                                 [](const Pattern::PathWildcard&) { return emptyStep(Kind::pathWildcard); },
-                                 [](const Pattern::SingleCharacter&) { return emptyStep(Kind::single); }},
-                      section);
+    using StepKind = Step::Kind;
+    return std::visit(
+        Overloaded{[](const Pattern::Constant& constant) { return compiledConstant(constant); },
+                   [](const Pattern::OneOf& oneOf) { return compiledOneOf(oneOf); },
+                   [](const Pattern::PatternList& list) { return compiledList(list); },
+                   [](const Pattern::ComponentWildcard&) { return emptyStep(StepKind::componentWildcard); },
+                   [](const Pattern::PathWildcard&) { return emptyStep(StepKind::pathWildcard); },
+                   [](const Pattern::SingleCharacter&) { return emptyStep(StepKind::single); }},
+        section);
 }
 
 std::vector<Step> compiledSteps(const std::vector<Pattern::Section>& sections) {

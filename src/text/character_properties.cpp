@@ -17,10 +17,6 @@ bool hasProperty(char32_t scalar, UProperty property) {
     return u_hasBinaryProperty(static_cast<UChar32>(scalar), property) != 0;
 }
 
-bool hasGeneralCategory(char32_t scalar, std::uint32_t mask) {
-    return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & mask) != 0;
-}
-
 bool hasAnyWith(std::string_view character, UProperty property) {
     for (std::size_t at = 0; at < character.size();) {
         const Scalar scalar = decodeScalar(character, at);
@@ -37,6 +33,10 @@ bool isCased(std::string_view character, UProperty caseProperty, UProperty chang
 }
 
 }  // namespace
+
+bool hasGeneralCategory(char32_t scalar, std::uint32_t mask) {
+    return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & mask) != 0;
+}
 
 std::string composed(std::string_view text) {
     // ICU counts in 32 bits; nobody compares texts past that.

@@ -4,6 +4,7 @@
 //     composed("e\u0301") == "\u00e9"
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,8 @@ std::string composed(std::string_view text);
 bool isAlphabetic(char32_t scalar);
 // Any Numeric_Type: digits of all scripts, fractions, ideographs that are numbers.
 bool isNumber(char32_t scalar);
+// Whether its general category is among those of the mask (U_GC_L_MASK and so on).
+bool hasGeneralCategory(char32_t scalar, std::uint32_t mask);
 // The general categories P*.
 bool isPunctuation(char32_t scalar);
 // The general categories Cc and Cf.

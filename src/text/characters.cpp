@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "text/character_properties.h"
 #include "text/utf8.h"
 
 namespace brindlet {
@@ -183,10 +184,6 @@ std::size_t lengthBeforeByRules(std::string_view text, std::size_t end) {
         right = left;
     }
     return end - begin;
-}
-
-bool hasGeneralCategory(char32_t scalar, std::uint32_t mask) {
-    return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & mask) != 0;
 }
 
 bool isAsciiLetter(char32_t scalar) {

@@ -16,7 +16,7 @@ constexpr std::string_view keepingFlags[] = {"k", "keep"};
 constexpr std::string_view extension = "gz";
 
 // gzip 1.12: what only describes how each operand is packed, besides the flags that are modelled.
-constexpr std::string_view plainFlags[] = {
+constexpr std::string_view gzipPlainFlags[] = {
     "d",    "decompress", "uncompress", "k", "keep",    "f", "force", "n",    "no-name",   "N",
     "name", "q",          "quiet",      "v", "verbose", "a", "ascii", "1",    "2",         "3",
     "4",    "5",          "6",          "7", "8",       "9", "fast",  "best", "rsyncable", "synchronous"};
@@ -56,7 +56,7 @@ std::optional<CommandResult> compressOne(BasherAnalysis& analysis, const std::st
 // Where the operands stay, the predicted changes alone would not show that more is to come.
 void noteUnmodelled(BasherAnalysis& analysis, const ArgExtractor::FlagsAndOptions& read) {
     for (const auto& flag : read.flags)
-        if (!isAmong(flag, plainFlags)) noteUnread(analysis, "gzip", spelt(flag));
+        if (!isAmong(flag, gzipPlainFlags)) noteUnread(analysis, "gzip", spelt(flag));
     const auto isGlued = [](const auto& option) { return !option.second.empty() && option.second.front()[0] != '.'; };
     if (std::any_of(read.options.begin(), read.options.end(), isGlued)) noteUnread(analysis, "gzip", "--suffix");
     constexpr std::string_view variables[] = {"GZIP"};

@@ -36,7 +36,7 @@ const ArgExtractor::OptionArities tarOptions = {
 };
 
 // tar 1.34: what neither writes elsewhere, nor removes, nor runs anything. The modes are among them.
-constexpr std::string_view plainFlags[] = {
+constexpr std::string_view tarPlainFlags[] = {
     "c", "create", "x", "extract", "t", "list", "r", "append",
     "z", "gzip", "gunzip", "j", "bzip2", "J", "xz", "Z", "compress", "lzip", "lzma", "lzop", "zstd", "a",
     "auto-compress", "no-auto-compress", "v", "verbose", "p", "preserve-permissions", "same-permissions",
@@ -54,7 +54,7 @@ constexpr std::string_view folderOptions[] = {"directory", "cd"};
 // clang-format on
 
 // Whether an option only narrows or describes, or glues such an option to its value: --exclude=*.o, --format=pax.
-constexpr std::string_view plainGlued[] = {
+constexpr std::string_view tarPlainGlued[] = {
     "exclude=", "format=", "warning=", "owner=", "group=", "mode=", "mtime=", "directory=", "cd="};
 
 // What a listing may print besides entries although all is well.
@@ -74,7 +74,7 @@ struct TarLine {
     Words members{};
 };
 
-CommandResult incorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
+CommandResult tarIncorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
     return analysis.addCommandError("Tar command incorrectly written", std::move(technical));
 }
 
@@ -139,9 +139,9 @@ void noteHitElsewhere(BasherAnalysis& analysis, const FlagsAndOptions& read, Fil
     if (std::any_of(entries.begin(), entries.end(), hitsFile)) noteUnread(analysis, "tar", spelt(option));
 }
 
-bool isPlain(const std::string& flag) {
+bool isPlainTarFlag(const std::string& flag) {
     const auto isGlued = [&](std::string_view option) { return flag.starts_with(option); };
-    return isAmong(flag, plainFlags) || std::any_of(std::begin(plainGlued), std::end(plainGlued), isGlued) ||
+    return isAmong(flag, tarPlainFlags) || std::any_of(std::begin(tarPlainGlued), std::end(tarPlainGlued), isGlued) ||
            flag.starts_with(stripName);
 }
 
@@ -149,7 +149,7 @@ void noteUnmodelled(BasherAnalysis& analysis, const ModelInput& input, const Tar
     // `tar xzf a.tgz -t`: letters without a hyphen count for the tool.
     if (!input.args.front().starts_with('-')) noteUnread(analysis, "tar", input.args.front());
     for (const auto& flag : line.read.flags)
-        if (!isPlain(flag)) noteUnread(analysis, "tar", spelt(flag));
+        if (!isPlainTarFlag(flag)) noteUnread(analysis, "tar", spelt(flag));
     for (const auto& [option, values] : line.read.options)
         if (isAmong(option, reachingOptions)) noteUnread(analysis, "tar", spelt(option));
     if (std::count(input.args.begin(), input.args.end(), "-C") > 1) noteUnread(analysis, "tar", "-C");
@@ -297,12 +297,12 @@ CommandResult archiveWithTar(BasherAnalysis& analysis, const ModelInput& input) 
     ArgExtractor args = wordsOf(input);
     TarLine line{.read = args.extractFlagsAndOptions(tarOptions)};
     const auto mode = onlyMode(line.read);
-    if (!mode) return incorrectlyWritten(analysis, "tar: must specify exactly one of -c, -x or -t");
+    if (!mode) return tarIncorrectlyWritten(analysis, "tar: must specify exactly one of -c, -x or -t");
     line.mode = *mode;
     auto archive = line.read.value("f");
-    if (!archive && line.mode == Mode::append) return incorrectlyWritten(analysis, "tar: -r requires -f");
+    if (!archive && line.mode == Mode::append) return tarIncorrectlyWritten(analysis, "tar: -r requires -f");
     if (!archive) archive = args.extractFirst();
-    if (!archive) return incorrectlyWritten(analysis, "tar: missing archive filename");
+    if (!archive) return tarIncorrectlyWritten(analysis, "tar: missing archive filename");
     line.archive = std::move(*archive);
     line.members = args.remainingArgs();
 

@@ -19,7 +19,7 @@ constexpr std::string_view unzipVariables[] = {"UNZIP", "UNZIPOPT", "ZIPINFO", "
 
 const ArgExtractor::OptionArities folderOption = {{"-d", 1}};
 constexpr std::string_view excludeOption[] = {"-x"};
-constexpr std::size_t longestList = 1000;
+constexpr std::size_t longestUnzipList = 1000;
 
 constexpr const char* unknownFiles = "Will unzip unknown files";
 
@@ -126,7 +126,7 @@ CommandResult unzipFiles(BasherAnalysis& analysis, const ModelInput& input) {
 
 CommandResult describeZip(BasherAnalysis& analysis, const ModelInput& input) {
     Words words = input.args;
-    takeOutEverywhere(words, excludeOption, longestList);
+    takeOutEverywhere(words, excludeOption, longestUnzipList);
     ArgExtractor args(input.name, ArgExtractor::Style::defaultStyle, std::move(words));
     if (auto flag = firstUnsupported(args.extractAllFlagsAtStart(), zipInfoFlags))
         return analysis.addCommandError("Zip info command incorrectly written",

@@ -11,7 +11,7 @@ namespace brindlet {
 namespace {
 
 constexpr std::string_view listOptions[] = {"-i", "--include", "-x", "--exclude"};
-constexpr std::size_t longestList = 1000;
+constexpr std::size_t longestZipList = 1000;
 const ArgExtractor::OptionArities outputOptions = {{"-O", 1}, {"--output-file", 1}};
 const std::vector<std::string_view> valueOptions = {"b", "n", "t", "tt"};
 const ArgExtractor::OptionArities valueOptionArities = {{"b", 1}, {"n", 1}, {"t", 1}, {"tt", 1}};
@@ -21,14 +21,14 @@ constexpr std::string_view movingFlags[] = {"m", "move"};
 
 // zip 3.0: what only describes how the archive is packed, besides the flags that are modelled.
 // clang-format off
-constexpr std::string_view plainFlags[] = {
+constexpr std::string_view zipPlainFlags[] = {
     "d", "delete", "u", "update", "m", "move", "r", "recurse-paths", "R", "recurse-patterns", "q", "quiet", "v",
     "verbose", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "j", "junk-paths", "D", "no-dir-entries", "y",
     "symlinks", "X", "no-extra", "k", "DOS-names", "o", "latest-time", "l", "to-crlf", "e", "encrypt", "g", "grow",
     "f", "freshen", "h", "help",
 };
 // clang-format on
-constexpr std::string_view plainGlued[] = {"exclude=", "include="};
+constexpr std::string_view zipPlainGlued[] = {"exclude=", "include="};
 
 struct ZipLine {
     Words flags;
@@ -47,7 +47,7 @@ CommandResult missing(BasherAnalysis& analysis, const FilePath& url, const std::
 std::optional<ZipLine> readLine(const ModelInput& input) {
     ZipLine line;
     Words words = input.args;
-    line.hasLists = takeOutEverywhere(words, listOptions, longestList);
+    line.hasLists = takeOutEverywhere(words, listOptions, longestZipList);
     ArgExtractor args(input.name, ArgExtractor::Style::defaultStyle, std::move(words));
     std::optional<std::string> output;
     if (const auto taken = args.extractOptionsAnywhere(outputOptions))
@@ -88,20 +88,20 @@ void deleteInputs(BasherAnalysis& analysis, const ZipLine& line) {
     for (const auto& path : line.inputs) analysis.addFileChange(deletion(analysis.resolveURL(path)), std::nullopt);
 }
 
-bool isPlain(const std::string& flag) {
+bool isPlainZipFlag(const std::string& flag) {
     const auto isGlued = [&](std::string_view option) { return flag.starts_with(option); };
-    return isAmong(flag, plainFlags) || std::any_of(std::begin(plainGlued), std::end(plainGlued), isGlued);
+    return isAmong(flag, zipPlainFlags) || std::any_of(std::begin(zipPlainGlued), std::end(zipPlainGlued), isGlued);
 }
 
 // Options count wherever they stand: `zip -r a.zip b -m` deletes b.
 bool isPlainBehindOperands(const ModelInput& input, const std::string& word) {
     const Words flags = ArgExtractor(input.name, ArgExtractor::Style::defaultStyle, {word}).extractAllFlagsAtStart();
-    return !hasAnyFlag(flags, movingFlags) && std::all_of(flags.begin(), flags.end(), isPlain);
+    return !hasAnyFlag(flags, movingFlags) && std::all_of(flags.begin(), flags.end(), isPlainZipFlag);
 }
 
 void noteUnmodelled(BasherAnalysis& analysis, const ModelInput& input, const ZipLine& line) {
     for (const auto& flag : line.flags)
-        if (!isPlain(flag)) noteUnread(analysis, "zip", spelt(flag));
+        if (!isPlainZipFlag(flag)) noteUnread(analysis, "zip", spelt(flag));
     for (const auto& word : line.rest)
         if (word.starts_with('-') && !isPlainBehindOperands(input, word)) noteUnread(analysis, "zip", word);
     if (!contains(lastPathComponent(line.output), ".") &&

@@ -10,7 +10,7 @@ namespace brindlet {
 
 namespace {
 
-constexpr std::string_view recursiveFlags[] = {"r", "R"};
+constexpr std::string_view recursiveSearchFlags[] = {"r", "R"};
 
 // --- grep ---
 
@@ -115,7 +115,7 @@ std::optional<CommandResult> diffOperandFailure(BasherAnalysis& analysis, const 
 CommandResult searchText(BasherAnalysis& analysis, const ModelInput& input) {
     ArgExtractor args = wordsOf(input);
     const auto taken = args.extractFlagsAndOptions(grepArities());
-    if (hasAnyFlag(taken.flags, recursiveFlags))
+    if (hasAnyFlag(taken.flags, recursiveSearchFlags))
         throw BasherAnalysisError{BasherAnalysisError::Kind::highRisk,
                                   "grep -r/-R (recursive) is not supported in simulation"};
     noteGrepSpellings(analysis, input, args.remainingArgs());
@@ -152,7 +152,7 @@ CommandResult compareFiles(BasherAnalysis& analysis, const ModelInput& input) {
     noteDiffSpellings(analysis, input, operands);
     if (operands.size() < 2) return failureInWords("diff: missing operand");
     const Words compared(operands.begin(), operands.begin() + 2);
-    const bool isRecursive = hasAnyFlag(taken.flags, recursiveFlags);
+    const bool isRecursive = hasAnyFlag(taken.flags, recursiveSearchFlags);
     const auto check = [&](const auto& path) { return diffOperandFailure(analysis, path, isRecursive); };
     if (const auto failure = firstFailure(compared, check)) return *failure;
     if (isRecursive) return CommandResult::unpredictable();

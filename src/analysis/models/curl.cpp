@@ -19,7 +19,7 @@ using FlagsAndOptions = ArgExtractor::FlagsAndOptions;
 
 // Options that take a value. Those that write files stand first, so that a name cut short counts as theirs.
 // clang-format off
-constexpr ToolOption valueOptions[] = {
+constexpr ToolOption curlValueOptions[] = {
     {'o', "output", Takes::value}, {'c', "cookie-jar", Takes::value}, {'D', "dump-header", Takes::value},
     {'K', "config", Takes::value}, {0, "trace", Takes::value}, {0, "trace-ascii", Takes::value},
     {0, "etag-save", Takes::value}, {0, "alt-svc", Takes::value}, {'T', "upload-file", Takes::value},
@@ -80,11 +80,11 @@ constexpr std::size_t spellings(std::span<const ToolOption> rows) {
     for (const auto& row : rows) count += row.letter != 0 ? 1 : 0;
     return count;
 }
-static_assert(spellings(valueOptions) == 142);
+static_assert(spellings(curlValueOptions) == 142);
 
 ArgExtractor::OptionArities extractedOptions() {
     ArgExtractor::OptionArities options;
-    for (const auto& row : valueOptions) {
+    for (const auto& row : curlValueOptions) {
         if (row.letter != 0) options.emplace_back(std::string_view(&row.letter, 1), 1);
         options.emplace_back(row.name, 1);
     }
@@ -137,16 +137,16 @@ std::optional<std::string> requestDescription(const Words& urls) {
 
 const std::vector<ToolOption>& allOptions() {
     static const std::vector<ToolOption> all = [] {
-        std::vector<ToolOption> rows(std::begin(valueOptions), std::end(valueOptions));
+        std::vector<ToolOption> rows(std::begin(curlValueOptions), std::end(curlValueOptions));
         rows.insert(rows.end(), std::begin(otherOptions), std::end(otherOptions));
         return rows;
     }();
     return all;
 }
 
-constexpr std::string_view writingOptions[] = {"output",      "cookie-jar", "dump-header", "trace",
-                                               "trace-ascii", "etag-save",  "alt-svc",     "hsts",
-                                               "stderr",      "libcurl",    "ssl-sessions"};
+constexpr std::string_view curlWritingOptions[] = {"output",      "cookie-jar", "dump-header", "trace",
+                                                   "trace-ascii", "etag-save",  "alt-svc",     "hsts",
+                                                   "stderr",      "libcurl",    "ssl-sessions"};
 constexpr std::string_view socketOptions[] = {"unix-socket", "abstract-unix-socket"};
 
 class UnshownEffects {
@@ -172,7 +172,7 @@ class UnshownEffects {
   private:
     void sayOf(const ToolReading::Option& option) {
         const std::string value = option.value.value_or("");
-        if (isAmong(option.name, writingOptions)) sayOfFile(option.name, value);
+        if (isAmong(option.name, curlWritingOptions)) sayOfFile(option.name, value);
         if (option.name == "config") sayPartial("takes further options from", value);
         if (isAmong(option.name, socketOptions)) sayPartial("talks to another program through", value);
         if (option.name == "write-out" && (value.starts_with('@') || contains(value, "%output{")))

@@ -29,10 +29,6 @@ void createDocument(BasherAnalysis& analysis, std::string_view path) {
     analysis.addFileChange(creation(analysis.resolveURL(path)), false);
 }
 
-void notePartialSupport(BasherAnalysis& analysis, std::string sentence) {
-    analysis.addSideEffect({PlainSideEffect::partialSupport, std::move(sentence)});
-}
-
 void noteUnshownWrite(BasherAnalysis& analysis, std::string_view tool, std::string_view path) {
     analysis.addSideEffect({PlainSideEffect::unknownFileChanges,
                             fmt::format("{} may write {}, which isn't shown here", tool, quotedForSentence(path))});

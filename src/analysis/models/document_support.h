@@ -26,8 +26,6 @@ std::optional<std::string> firstMissingDocument(BasherAnalysis& analysis, const 
 
 void createDocument(BasherAnalysis& analysis, std::string_view path);
 
-// Side effects with words of their own.
-void notePartialSupport(BasherAnalysis& analysis, std::string sentence);
 // The tool writes a file that isn't among the predicted changes.
 void noteUnshownWrite(BasherAnalysis& analysis, std::string_view tool, std::string_view path);
 // The same, but only where it would replace what is there.

@@ -17,7 +17,7 @@ namespace {
 // ffmpeg 5.1, `ffmpeg -h long`: the options that take no value. Every other one takes the word behind it, whatever
 // that is.
 // clang-format off
-constexpr std::string_view optionsWithoutValue[] = {
+constexpr std::string_view realOptionsWithoutValue[] = {
     "L", "version", "buildconf", "formats", "muxers", "demuxers", "devices", "codecs", "decoders", "encoders", "bsfs",
     "protocols", "filters", "pix_fmts", "layouts", "sample_fmts", "dispositions", "colors", "hwaccels", "report", "y",
     "n", "ignore_unknown", "stats", "hide_banner", "copy_unknown", "recast_media", "benchmark", "benchmark_all",
@@ -29,7 +29,7 @@ constexpr std::string_view optionsWithoutValue[] = {
 
 // Options that make a file beside the outputs, or read on in a file.
 // clang-format off
-constexpr std::string_view writingOptions[] = {
+constexpr std::string_view ffmpegWritingOptions[] = {
     "report", "vstats", "vstats_file", "sdp_file", "progress", "pass", "dump_attachment", "stats_enc_pre",
     "stats_enc_post", "stats_mux_pre", "print_graphs_file", "segment_list", "hls_segment_filename",
     "hls_fmp4_init_filename", "master_pl_name", "init_seg_name", "media_seg_name", "single_file_name",
@@ -65,8 +65,8 @@ struct Division {
 };
 
 bool takesValue(std::string_view name) {
-    if (isAmong(name, optionsWithoutValue)) return false;
-    return !(name.starts_with("no") && isAmong(name.substr(2), optionsWithoutValue));
+    if (isAmong(name, realOptionsWithoutValue)) return false;
+    return !(name.starts_with("no") && isAmong(name.substr(2), realOptionsWithoutValue));
 }
 
 Division divide(const Words& words) {
@@ -146,7 +146,7 @@ bool holdsWritingParameter(const Option& option) {
 bool mayWrite(const Option& option, const Names& shown) {
     if (holdsWritingParameter(option)) return true;
     if (option.name.starts_with('/')) return true;  // ffmpeg 7: the value stands in a file
-    if (!isAmong(option.name, writingOptions)) return false;
+    if (!isAmong(option.name, ffmpegWritingOptions)) return false;
     if (option.name == "pass") return option.value != "2";  // the second pass reads
     return !isNoFile(option.value) && !shown.contains(option.value);
 }

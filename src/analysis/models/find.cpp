@@ -6,6 +6,7 @@
 #include "analysis/doubts.h"
 #include "analysis/models/carried_runs.h"
 #include "analysis/models/command_carriers.h"
+#include "analysis/models/model_support.h"
 #include "text/strings.h"
 
 namespace brindlet {
@@ -68,15 +69,11 @@ CommandResult realFind(BasherAnalysis& analysis, const Words& words) {
     return analysis.runRealCommand("find", SimString::known(""), words);
 }
 
-CommandResult incorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
+CommandResult findIncorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
     return analysis.addCommandError("`find` command incorrectly written", std::move(technical));
 }
 
 // --- what the prediction doesn't show ---
-
-void notePartialSupport(BasherAnalysis& analysis, std::string sentence) {
-    analysis.addSideEffect({PlainSideEffect::partialSupport, std::move(sentence)});
-}
 
 // One action of a line, while it is simulated.
 struct ActionLine {
@@ -191,7 +188,7 @@ CommandResult runOnAll(CarriedRuns& runs, BasherAnalysis& analysis, const Action
 }
 
 CommandResult execute(BasherAnalysis& analysis, const ModelInput& input, const ActionLine& line, const Words& paths) {
-    if (!line.hasCommand()) return incorrectlyWritten(analysis, "find: missing command for exec");
+    if (!line.hasCommand()) return findIncorrectlyWritten(analysis, "find: missing command for exec");
     if (paths.empty())
         analysis.addCommandError("Found zero files", "`find` query matched zero files, per-file command may also fail");
     CarriedRuns runs(analysis, input.command, input.standardInput);
@@ -221,7 +218,7 @@ void noteWithoutAction(BasherAnalysis& analysis, const ActionLine& line, const C
 CommandResult findFiles(BasherAnalysis& analysis, const ModelInput& input) {
     analysis.noteSeesOnlyRealFiles("find");
     const auto expression = readExpression(input.args);
-    if (!expression) return incorrectlyWritten(analysis, "find: missing terminator for exec");
+    if (!expression) return findIncorrectlyWritten(analysis, "find: missing terminator for exec");
     const auto& actions = expression->actions;
     if (actions.size() > 1)
         throw BasherAnalysisError{ErrorKind::simulationError, "find: we don't support multiple actions"};

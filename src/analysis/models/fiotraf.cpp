@@ -17,8 +17,8 @@ namespace brindlet {
 namespace {
 
 constexpr std::string_view executeOption = "--execute", copyOption = "--copy";
-constexpr std::string_view valueOptions[] = {"--min-size",   "--max-size", "--after",    "--before",
-                                             "--startswith", "--endswith", "--contains", "--mime"};
+constexpr std::string_view fiotrafValueOptions[] = {"--min-size",   "--max-size", "--after",    "--before",
+                                                    "--startswith", "--endswith", "--contains", "--mime"};
 constexpr std::string_view arrow = "→ ";
 
 // --- words ---
@@ -36,7 +36,7 @@ void forEachRole(const Words& words, Visit visit) {
         }
         visit(word, WordRole::option);
         if (word == "--") takesOptions = false;
-        if (isAmong(word, valueOptions) && at + 1 < words.size()) visit(words[++at], WordRole::value);
+        if (isAmong(word, fiotrafValueOptions) && at + 1 < words.size()) visit(words[++at], WordRole::value);
     }
 }
 

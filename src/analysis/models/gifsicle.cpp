@@ -11,17 +11,18 @@ namespace brindlet {
 
 namespace {
 
-constexpr std::string_view helpWords[] = {"-h", "--help", "--version"};
+constexpr std::string_view gifsicleHelpWords[] = {"-h", "--help", "--version"};
 constexpr std::string_view standardStream = "-";
-const ArgExtractor::OptionArities valueOptions = {{"o", 1}, {"output", 1}};
+const ArgExtractor::OptionArities gifsicleValueOptions = {{"o", 1}, {"output", 1}};
 
 // gifsicle 1.93, `gifsicle --help`: the letters that take what stands behind them in their word as their value.
 constexpr std::string_view lettersWithValue = "BDLOScdfjklnopt";
 constexpr std::string_view explodingLetters = "eE";
 // Options that write, or run a program. It takes a long option by any part of its name that no other begins with.
-constexpr std::string_view writingOptions[] = {"output", "batch", "explode", "explode-by-name", "transform-colormap"};
+constexpr std::string_view gifsicleWritingOptions[] = {"output", "batch", "explode", "explode-by-name",
+                                                       "transform-colormap"};
 
-struct Task {
+struct GifsicleTask {
     std::optional<std::string> output;
     bool isBatch = false;
 };
@@ -31,7 +32,7 @@ bool mayMeanWritingOption(std::string_view name) {
     const std::string_view plain = name.substr(0, equals);
     const bool isAsModelled = equals == std::string_view::npos && (plain == "output" || plain == "batch");
     return !isAsModelled && !plain.empty() &&
-           std::any_of(std::begin(writingOptions), std::end(writingOptions),
+           std::any_of(std::begin(gifsicleWritingOptions), std::end(gifsicleWritingOptions),
                        [&](auto option) { return option.starts_with(plain); });
 }
 
@@ -57,7 +58,7 @@ void noteUnshown(BasherAnalysis& analysis, const Words& words, const ArgExtracto
 }
 
 // Said where a prediction that can't be made would otherwise look as if nothing happened to files that are there.
-void noteChangesOf(BasherAnalysis& analysis, const Task& task) {
+void noteChangesOf(BasherAnalysis& analysis, const GifsicleTask& task) {
     if (task.output && analysis.fileExists(analysis.resolveURL(*task.output)))
         noteUnknownChanges(analysis, fmt::format("gifsicle may overwrite {}", quotedForSentence(*task.output)));
     if (!task.output && task.isBatch) noteUnknownChanges(analysis, "gifsicle may change its sources");
@@ -67,12 +68,13 @@ void noteChangesOf(BasherAnalysis& analysis, const Task& task) {
 
 CommandResult gifsicle(BasherAnalysis& analysis, const ModelInput& input) {
     analysis.requirePackage("Gifsicle");
-    if (input.args.empty() || hasAnyFlag(input.args, helpWords)) return runForHelp(analysis, "gifsicle", input.args);
+    if (input.args.empty() || hasAnyFlag(input.args, gifsicleHelpWords))
+        return runForHelp(analysis, "gifsicle", input.args);
 
     ArgExtractor args = wordsOf(input);
-    const auto taken = args.extractFlagsAndOptions(valueOptions);
+    const auto taken = args.extractFlagsAndOptions(gifsicleValueOptions);
     noteUnshown(analysis, input.args, taken);
-    Task task{.output = taken.value("o"), .isBatch = taken.hasFlag("b") || taken.hasFlag("batch")};
+    GifsicleTask task{.output = taken.value("o"), .isBatch = taken.hasFlag("b") || taken.hasFlag("batch")};
     if (!task.output) task.output = taken.value("output");
     if (task.output == standardStream) task.output.reset();
 

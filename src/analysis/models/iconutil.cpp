@@ -14,13 +14,13 @@ namespace {
 using Options = ArgExtractor::FlagsAndOptions;
 using Failure = std::optional<CommandError>;
 
-constexpr std::string_view helpWords[] = {"-h", "--help"};
-const ArgExtractor::OptionArities valueOptions = {{"c", 1}, {"convert", 1}, {"o", 1}, {"output", 1}};
+constexpr std::string_view iconutilHelpWords[] = {"-h", "--help"};
+const ArgExtractor::OptionArities iconutilValueOptions = {{"c", 1}, {"convert", 1}, {"o", 1}, {"output", 1}};
 constexpr std::string_view conversions[] = {"icns", "iconset"};
 constexpr std::string_view unsupportedConversion = "Icon utility: unsupported conversion";
 
 // Each step of the reading fills in its part, or says what is wrong.
-struct Task {
+struct IconutilTask {
     std::string conversion;  // "icns" or "iconset"
     std::optional<std::string> output;
     std::string input;
@@ -49,7 +49,7 @@ Failure missingValue(const Options& options, std::string_view name) {
     return incorrectlyWritten(fmt::format("option requires an argument -- {}", name));
 }
 
-Failure readConversion(const Options& options, Task& task) {
+Failure readConversion(const Options& options, IconutilTask& task) {
     for (const auto name : {"c", "convert"})
         if (auto failure = missingValue(options, name)) return failure;
     const auto shortOne = options.value("c"), longOne = options.value("convert");
@@ -63,7 +63,7 @@ Failure readConversion(const Options& options, Task& task) {
     return std::nullopt;
 }
 
-Failure readOutput(BasherAnalysis& analysis, const Options& options, Task& task) {
+Failure readOutput(BasherAnalysis& analysis, const Options& options, IconutilTask& task) {
     for (const auto name : {"o", "output"})
         if (auto failure = missingValue(options, name)) return failure;
     const auto shortOne = options.value("o"), longOne = options.value("output");
@@ -74,7 +74,7 @@ Failure readOutput(BasherAnalysis& analysis, const Options& options, Task& task)
     return std::nullopt;
 }
 
-Failure readOperands(const Words& operands, Task& task) {
+Failure readOperands(const Words& operands, IconutilTask& task) {
     if (operands.empty()) return incorrectlyWritten("missing input file");
     if (operands.size() > 2) return incorrectlyWritten(fmt::format("unexpected extra argument '{}'", operands[2]));
     task.input = operands[0];
@@ -83,7 +83,7 @@ Failure readOperands(const Words& operands, Task& task) {
 }
 
 // Whether the input is what its extension says and can become what is asked for.
-Failure unfitInput(BasherAnalysis& analysis, const FilePath& url, const Task& task) {
+Failure unfitInput(BasherAnalysis& analysis, const FilePath& url, const IconutilTask& task) {
     const std::string extension = lowercased(pathExtension(url.text()));
     const bool isDirectory = analysis.isDirectory(url);
     if (extension == "car") {
@@ -102,13 +102,13 @@ Failure unfitInput(BasherAnalysis& analysis, const FilePath& url, const Task& ta
     return std::nullopt;
 }
 
-FilePath outputURL(BasherAnalysis& analysis, const FilePath& input, const Task& task) {
+FilePath outputURL(BasherAnalysis& analysis, const FilePath& input, const IconutilTask& task) {
     if (task.output) return analysis.resolveURL(*task.output);
     const std::string name = task.iconName ? *task.iconName : std::string(pathBaseName(input.text()));
     return FilePath(fmt::format("{}/{}.{}", input.parent().text(), name, task.conversion));
 }
 
-Failure clash(BasherAnalysis& analysis, const FilePath& output, const Task& task) {
+Failure clash(BasherAnalysis& analysis, const FilePath& output, const IconutilTask& task) {
     if (!analysis.fileExists(output) || analysis.isDirectory(output) == task.makesFolder()) return std::nullopt;
     if (task.makesFolder())
         return error("Icon utility: output clash with file",
@@ -117,10 +117,10 @@ Failure clash(BasherAnalysis& analysis, const FilePath& output, const Task& task
                  fmt::format("output path '{}' is a directory", output.name()));
 }
 
-Failure readTask(BasherAnalysis& analysis, const ModelInput& input, Task& task) {
+Failure readTask(BasherAnalysis& analysis, const ModelInput& input, IconutilTask& task) {
     if (input.args.empty()) return incorrectlyWritten("missing arguments");
     ArgExtractor args = wordsOf(input);
-    const Options options = args.extractFlagsAndOptions(valueOptions);
+    const Options options = args.extractFlagsAndOptions(iconutilValueOptions);
     if (auto failure = unsupportedFlag(options.flags)) return failure;
     if (auto failure = readConversion(options, task)) return failure;
     if (auto failure = readOutput(analysis, options, task)) return failure;
@@ -139,8 +139,8 @@ CommandResult failed(BasherAnalysis& analysis, const CommandError& failure) {
 }  // namespace
 
 CommandResult iconutil(BasherAnalysis& analysis, const ModelInput& input) {
-    if (hasAnyFlag(input.args, helpWords)) return runForHelp(analysis, "iconutil", input.args);
-    Task task;
+    if (hasAnyFlag(input.args, iconutilHelpWords)) return runForHelp(analysis, "iconutil", input.args);
+    IconutilTask task;
     if (const auto failure = readTask(analysis, input, task)) return failed(analysis, *failure);
 
     const FilePath source = analysis.resolveURL(task.input);

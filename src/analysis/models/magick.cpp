@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view program = "magick";
 constexpr std::string_view package = "ImageMagick";
 constexpr std::string_view toolNames[] = {"convert", "mogrify", "identify", "compare", "montage", "composite"};
-constexpr std::string_view helpWords[] = {"-h", "--help", "-version", "--version"};
+constexpr std::string_view magickHelpWords[] = {"-h", "--help", "-version", "--version"};
 constexpr std::string_view listWord = "-list";
 
 // An output that ends in one of these is taken to be that one file.
@@ -163,7 +163,7 @@ CommandResult makeImage(BasherAnalysis& analysis, const Words& operands) {
 // --- help ---
 
 bool asksForHelp(const Words& args) {
-    return args.empty() || args.front() == listWord || hasAnyFlag(args, helpWords);
+    return args.empty() || args.front() == listWord || hasAnyFlag(args, magickHelpWords);
 }
 
 // "-list format", "convert -version".

@@ -14,7 +14,7 @@ namespace brindlet {
 namespace {
 
 // In lower case, since MSL:x is msl:x to ImageMagick.
-constexpr std::string_view writingOptions[] = {"write", "script", "process"};
+constexpr std::string_view magickWritingOptions[] = {"write", "script", "process"};
 // Formats that run a script, and one that deletes the file that it has read; a drawing can name them too.
 constexpr std::string_view actingFormats[] = {"msl", "mvg", "msvg", "ephemeral"};
 // As the begin of an operand: addresses, descriptors, lists of files, the screen.
@@ -64,7 +64,7 @@ std::vector<SideEffect> magickHazards(const std::vector<std::string>& words, con
     for (const std::string& word : words) {
         if (found.size() >= mostSentences) break;
         const std::string lower = lowercased(word);
-        if (isOption(lower, writingOptions))
+        if (isOption(lower, magickWritingOptions))
             found.push_back(
                 {PlainSideEffect::unknownFileChanges,
                  fmt::format("magick: {} may write files that aren't shown here", quotedForSentence(word))});

@@ -119,6 +119,10 @@ void noteUnknownChanges(BasherAnalysis& analysis, std::string sentence) {
     analysis.addSideEffect({PlainSideEffect::unknownFileChanges, std::move(sentence)});
 }
 
+void notePartialSupport(BasherAnalysis& analysis, std::string sentence) {
+    analysis.addSideEffect({PlainSideEffect::partialSupport, std::move(sentence)});
+}
+
 CommandResult failureInWords(std::string technical) {
     return {1, SimString::known(std::move(technical))};
 }

@@ -61,6 +61,8 @@ inline constexpr std::size_t mostSentences = 20;
 
 // Says that files may change that the prediction doesn't show.
 void noteUnknownChanges(BasherAnalysis& analysis, std::string sentence);
+// Says that more may happen than the prediction shows.
+void notePartialSupport(BasherAnalysis& analysis, std::string sentence);
 
 // A failure that only the tool's own words show.
 CommandResult failureInWords(std::string technical);

@@ -76,7 +76,7 @@ CommandResult moveIntoFolder(BasherAnalysis& analysis, const Words& sources, con
 
 // --- cp ---
 
-constexpr std::string_view recursiveFlags[] = {"r", "R", "a"};
+constexpr std::string_view recursiveCopyFlags[] = {"r", "R", "a"};
 constexpr std::string_view linkingFlags[] = {"l", "s"};
 constexpr std::string_view contentsFlags[] = {"T", "no-target-directory", "parents"};
 
@@ -87,7 +87,7 @@ struct CopyOptions {
 };
 
 CopyOptions copyOptions(const Words& flags) {
-    CopyOptions options{.isRecursive = hasAnyFlag(flags, recursiveFlags),
+    CopyOptions options{.isRecursive = hasAnyFlag(flags, recursiveCopyFlags),
                         .makesLinks = hasAnyFlag(flags, linkingFlags)};
     for (const auto& flag : flags) {
         if (flag == "f") options.mayOverwrite = true;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view rmFlags[] = {"f", "i", "I", "r", "R", "d", "v"};
 constexpr std::string_view promptingFlags[] = {"i", "I"};
-constexpr std::string_view recursiveFlags[] = {"r", "R"};
+constexpr std::string_view recursiveRemovalFlags[] = {"r", "R"};
 
 struct RemoveOptions {
     bool isForced = false;
@@ -20,7 +20,7 @@ struct RemoveOptions {
     bool removesEmptyFolders = false;
 };
 
-CommandResult incorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
+CommandResult rmIncorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
     return analysis.addCommandError("Delete command incorrectly written", std::move(technical));
 }
 
@@ -59,7 +59,7 @@ std::optional<CommandResult> removeFolder(BasherAnalysis& analysis, const std::s
         return analysis.addCommandError("Wrong command used to delete directory",
                                         fmt::format("rm: cannot remove '{}': Is a directory", path));
     if (!options.isRecursive && !analysis.isDirectoryEmpty(url))
-        return incorrectlyWritten(analysis, fmt::format("rm: cannot remove '{}': Directory not empty", path));
+        return rmIncorrectlyWritten(analysis, fmt::format("rm: cannot remove '{}': Directory not empty", path));
     analysis.addFileChange(deletion(url), std::nullopt);
     return std::nullopt;
 }
@@ -76,7 +76,7 @@ std::optional<CommandResult> removeItem(BasherAnalysis& analysis, const std::str
                                         const RemoveOptions& options) {
     const std::string_view name = lastPathComponent(path);
     if (name == "." || name == "..")
-        return incorrectlyWritten(analysis, fmt::format("rm: cannot remove '{}': Invalid argument", path));
+        return rmIncorrectlyWritten(analysis, fmt::format("rm: cannot remove '{}': Invalid argument", path));
     const FilePath url = analysis.resolveURL(path);
     if (!analysis.fileExists(url)) {
         if (options.isForced) {
@@ -96,13 +96,13 @@ std::optional<CommandResult> removeItem(BasherAnalysis& analysis, const std::str
 CommandResult removeFiles(BasherAnalysis& analysis, const ModelInput& input) {
     ArgExtractor args = wordsOf(input);
     const Words flags = args.extractAllFlagsAtStart();
-    if (args.remainingArgs().empty()) return incorrectlyWritten(analysis, "rm: missing operand");
+    if (args.remainingArgs().empty()) return rmIncorrectlyWritten(analysis, "rm: missing operand");
     if (const Words unsupported = allUnsupported(flags, rmFlags); !unsupported.empty())
-        return incorrectlyWritten(analysis, "rm: unsupported option(s): -" + joined(unsupported, ", -"));
+        return rmIncorrectlyWritten(analysis, "rm: unsupported option(s): -" + joined(unsupported, ", -"));
     if (hasAnyFlag(flags, promptingFlags)) input.command.rewriteRule = withoutPrompts;
 
     const RemoveOptions options{.isForced = hasFlag(flags, "f"),
-                                .isRecursive = hasAnyFlag(flags, recursiveFlags),
+                                .isRecursive = hasAnyFlag(flags, recursiveRemovalFlags),
                                 .removesEmptyFolders = hasFlag(flags, "d")};
     noteEndOfOptions(analysis, input.name, args.remainingArgs());
     const auto remove = [&](const std::string& path) { return removeItem(analysis, path, options); };

@@ -126,12 +126,12 @@ std::optional<CommandResult> sourceMissing(BasherAnalysis& analysis, const std::
                                     fmt::format("sed: {}: No such file or directory", path));
 }
 
-CommandResult incorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
+CommandResult sedIncorrectlyWritten(BasherAnalysis& analysis, std::string technical) {
     return analysis.addCommandError("Text modification command written wrong", std::move(technical));
 }
 
 CommandResult editInPlace(BasherAnalysis& analysis, const Words& files, const std::string& backupSuffix) {
-    if (files.empty()) return incorrectlyWritten(analysis, "sed: can't do in-place editing on standard input");
+    if (files.empty()) return sedIncorrectlyWritten(analysis, "sed: can't do in-place editing on standard input");
     const auto edit = [&](const std::string& path) -> std::optional<CommandResult> {
         if (auto failure = sourceMissing(analysis, path)) return failure;
         if (!backupSuffix.empty()) analysis.addFileChange(creation(analysis.resolveURL(path + backupSuffix)), false);
@@ -146,7 +146,7 @@ CommandResult runModel(BasherAnalysis& analysis, const ModelInput& input) {
     const InPlace inPlace = takeInPlace(args);
     args.extractAllFlagsAtStart({"i", "f", "r", "w", "s"});
     Words files = args.extractLeadingOperands();
-    if (files.empty()) return incorrectlyWritten(analysis, "sed: missing script argument");
+    if (files.empty()) return sedIncorrectlyWritten(analysis, "sed: missing script argument");
     files.erase(files.begin());  // the script
 
     if (inPlace.isOn) return editInPlace(analysis, files, inPlace.backupSuffix);

@@ -11,7 +11,7 @@ namespace brindlet {
 
 namespace {
 
-constexpr std::string_view helpWords[] = {"-h", "--help", "-v", "--version"};
+constexpr std::string_view sipsHelpWords[] = {"-h", "--help", "-v", "--version"};
 constexpr std::string_view outputWord = "--out";
 
 constexpr std::string_view sourceExtensions[] = {
@@ -29,7 +29,7 @@ struct Option {
 };
 
 // `man sips` of macOS. Any other option is said to be in doubt.
-constexpr Option options[] = {
+constexpr Option sipsOptions[] = {
     {"-r", 1},
     {"--rotate", 1},
     {"-f", 1},
@@ -77,9 +77,9 @@ constexpr Option options[] = {
 };
 
 const Option* optionNamed(std::string_view word) {
-    const auto found =
-        std::find_if(std::begin(options), std::end(options), [&](const Option& option) { return option.name == word; });
-    return found == std::end(options) ? nullptr : found;
+    const auto found = std::find_if(std::begin(sipsOptions), std::end(sipsOptions),
+                                    [&](const Option& option) { return option.name == word; });
+    return found == std::end(sipsOptions) ? nullptr : found;
 }
 
 bool isChange(std::string_view word) {
@@ -107,7 +107,7 @@ void noteUnshown(BasherAnalysis& analysis, const Words& words, bool changesSourc
 }  // namespace
 
 CommandResult sips(BasherAnalysis& analysis, const ModelInput& input) {
-    if (input.args.empty() || hasAnyFlag(input.args, helpWords)) return runForHelp(analysis, "sips", input.args);
+    if (input.args.empty() || hasAnyFlag(input.args, sipsHelpWords)) return runForHelp(analysis, "sips", input.args);
 
     Words words = input.args;
     std::optional<std::string> output;

@@ -203,7 +203,7 @@ FileDescriptor receiveDescriptor(const FileDescriptor& socket) {
     return FileDescriptor(descriptor);
 }
 
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+std::vector<char*> wordPointers(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
     pointers.reserve(texts.size() + 2);
     for (std::string& text : texts) pointers.push_back(text.data());
@@ -241,8 +241,8 @@ std::optional<SandboxedChild> startSandboxed(const ToolLaunch& launch, const Lan
     char untranslated[] = "LANGUAGE=C";
 
     ChildPlan plan;
-    plan.arguments = pointersTo(words);
-    plan.environment = pointersTo(variables);
+    plan.arguments = wordPointers(words);
+    plan.environment = wordPointers(variables);
     plan.untranslatedEnvironment = plan.environment;
     std::erase_if(plan.untranslatedEnvironment,
                   [](const char* entry) { return std::string_view(entry).starts_with("LANGUAGE="); });
