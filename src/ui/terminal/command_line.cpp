@@ -26,6 +26,10 @@ constexpr SubcommandRow subcommandRows[] = {
     {"parse", "Prints a line of bash as it is understood", "brindlet parse 'ls|wc -l'", makeParseCommand},
     {"glob", "Prints the names that match a file-name pattern", "brindlet glob '@(a|b)*.txt' a1.txt c1.txt",
      makeGlobCommand},
+    {"quick", "Prints the command of a request that needs no model", "brindlet quick 'convert to png' photo.jpeg",
+     makeQuickCommand},
+    {"prompt", "Prints what a model would be sent, and sends nothing",
+     "brindlet prompt 'make this 300px wide' photo.jpg", makePromptCommand},
     {"settings", "Shows and changes the settings", "brindlet settings allow 'Rename files' on", makeSettingsCommand},
     {"log", "Shows the log, or says where it is", "brindlet log show", makeLogCommand},
 };

@@ -55,16 +55,21 @@ const FilePath& CommandLineContext::folder() {
     return *folder_;
 }
 
-std::vector<FilePath> CommandLineContext::existingFiles(const std::vector<std::string>& names) {
+std::vector<FilePath> CommandLineContext::namedFiles(const std::vector<std::string>& names) {
     std::vector<FilePath> paths;
     paths.reserve(names.size());
     for (const std::string& name : names) {
         if (name.empty()) throw UsageError{"a FILE is an empty name: leave it out or name a file"};
-        const FilePath path = name.front() == '/' ? FilePath(name) : FilePath::resolve(name, currentDirectory());
-        if (files_->look(path) == ItemKind::missing)
-            throw UsageError{fmt::format("there is no file '{}': a FILE must exist", name)};
-        paths.push_back(path);
+        paths.push_back(name.front() == '/' ? FilePath(name) : FilePath::resolve(name, currentDirectory()));
     }
+    return paths;
+}
+
+std::vector<FilePath> CommandLineContext::existingFiles(const std::vector<std::string>& names) {
+    std::vector<FilePath> paths = namedFiles(names);
+    for (std::size_t at = 0; at < paths.size(); ++at)
+        if (files_->look(paths[at]) == ItemKind::missing)
+            throw UsageError{fmt::format("there is no file '{}': a FILE must exist", names[at])};
     return paths;
 }
 

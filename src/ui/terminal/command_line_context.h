@@ -35,6 +35,8 @@ class CommandLineContext {
 
     // Names taken against the current directory, in order. UsageError for the first that does not exist.
     std::vector<FilePath> existingFiles(const std::vector<std::string>& names);
+    // The same for names that need not exist. UsageError for an empty one.
+    std::vector<FilePath> namedFiles(const std::vector<std::string>& names);
 
     FileSystem& files() { return *files_; }
     const Environment& environment();

@@ -1,0 +1,312 @@
+// What people want of the machine: a command, a package, the terminal, the network, its power and its parts.
+#include "prompts/catalogue_rows.h"
+#include "prompts/word_lists.h"
+#include "text/characters.h"
+
+namespace brindlet {
+
+using enum SingleMultiple;
+
+namespace {
+
+// As a request names them.
+const WordList& lowercasedPackageNames() {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> result;
+        for (const std::string_view name : words::packageNames()) result.push_back(lowercased(name));
+        return result;
+    }();
+    static const WordList list(names.begin(), names.end());
+    return list;
+}
+
+}  // namespace
+
+CategoryRows commandCategories() {
+    return {
+        {
+            .id = "runBashCommand",
+            .prompts = {"<command>", "<run> <command>", "<run?> <python> -m http.server <8080?>",
+                        R"(<run?> <python> -c "code")", "<run?> <python> script.py", "<run?> <python> -m venv venv",
+                        R"sh(<run?> <python> -c "import sys; print(sys.version)")sh", "<run?> <python> -m pip list"},
+            .variants = {{"command",
+                          {"pwd",
+                           "ls",
+                           "ls -la",
+                           "ls -l",
+                           "ls -a",
+                           "cd ..",
+                           "whoami",
+                           "date",
+                           "df -h",
+                           "du -sh",
+                           "ps aux",
+                           "top",
+                           "echo hello",
+                           "cat file.txt",
+                           "uname -a",
+                           "hostname",
+                           "uptime",
+                           "tree",
+                           "env",
+                           "history",
+                           "ifconfig",
+                           "mkdir *",
+                           "touch file.txt",
+                           "chmod +x script.sh",
+                           "grep * file.txt",
+                           "head file.txt",
+                           "tail file.txt",
+                           "npm start",
+                           "npm run build",
+                           "make",
+                           "./script.sh",
+                           "sh script.sh",
+                           "sort file.txt",
+                           "curl -I https://*",
+                           "python3 script.py",
+                           "cal"}},
+                         {"run", {"run", "execute", "do", "bash", "run the command", "run command", "start", "call"}},
+                         {"python", {"python", "python3"}},
+                         {"8080", {"8080", "8000", "3000"}}},
+            .metadata = {{"tools", "echo ls pwd python python3"}},
+            .outputExamples = {{.prompt = "run pwd", .expectedCommand = "pwd", .singleMultiple = singleMultipleOrNone}},
+        },
+        {
+            .id = "caffeinate",
+            .prompts = {"<prevent> <my?> <mac> <from?> <sleeping> for <the next?> <time>",
+                        "for <time> keep my <mac> <awake>", "caffeinate my <mac> for <time>",
+                        "keep <my?> <mac> <awake> for <time>", "<make sure> <my?> <mac> stays <awake> for <time>",
+                        "<prevent> <hardware?> sleep for <the next?> <time>"},
+            .variants = {{"prevent", {"prevent", "stop", "disable"}},
+                         {"my", {"my", "the", "this"}},
+                         {"mac", {"mac", "laptop", "computer", "macbook"}},
+                         {"sleeping", {"sleeping", "falling asleep", "going to sleep"}},
+                         {"time",
+                          {"10 mins", "20 minutes", "30 mins", "30 minutes", "60 mins", "60 minutes", "hour", "1 hour",
+                           "2 hours", "24 hours", "day"}},
+                         {"awake", {"awake", "active", "from falling asleep", "from sleeping", "from going to sleep"}},
+                         {"make sure", {"make sure", "ensure"}},
+                         {"hardware", {"disk", "display", "screen", "system"}}},
+            .metadata = {{"tools", "caffeinate"}},
+            .outputExamples = {{.prompt = "Keep my Mac awake for 60 minutes",
+                                .expectedCommand = "caffeinate -u -t 3600 &",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+    };
+}
+
+CategoryRows packageCategories() {
+    return {
+        {
+            .id = "brew_install",
+            .prompts = {"<install> <the?> * <package?> <with brew?>", "<brew> <install> *", "<install> <specific>"},
+            .variants = {{"install", {"install", "add", "get", "grab", "download"}},
+                         {"with brew", {"with brew", "with homebrew"}},
+                         {"brew", {"brew", "homebrew"}},
+                         {"package", words::packageWords()},
+                         {"specific", lowercasedPackageNames()}},
+            .biasTerms = {{"brew", 1.1F}, {"homebrew", 1.1F}},
+            .metadata = {{"tools", "brew"}},
+            .outputExamples = {{.prompt = "install ghostscript",
+                                .expectedCommand = "brew install ghostscript",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+        {
+            .id = "brew_uninstall",
+            .prompts = {"<brew?> <uninstall> * <package?>", "<uninstall> * <package?> <with> <brew>"},
+            .variants = {{"brew", {"brew", "homebrew"}},
+                         {"uninstall",
+                          {"uninstall", "uninstall", "uninstall", "remove", "remove", "get rid of", "delete"}},
+                         {"package", words::packageWords()},
+                         {"with", {"with", "using", "via", "from", "through"}}},
+            .biasTerms = {{"brew", 1.1F}, {"homebrew", 1.1F}},
+            .metadata = {{"tools", "brew"}},
+            .outputExamples = {{.prompt = "uninstall ghostscript using homebrew",
+                                .expectedCommand = "brew uninstall ffmpeg",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+        {
+            .id = "brew_list_check_installed",
+            .prompts = {"what <packages> <do I have> <installed?>", "what <packages> <are?> <installed>",
+                        "<is> * <installed?> <with> <brew>", "<check> <if?> * <is?> installed <with?> <brew?>",
+                        "list packages"},
+            .variants = {{"packages",
+                          {"packages", "packages", "brew packages", "homebrew packages", "tools", "programs", "apps",
+                           "commands", "formulas", "formulae", "casks", "command line tools"}},
+                         {"do I have", {"do I have", "have I", "have I got", "do we have", "are"}},
+                         {"installed",
+                          {"installed", "installed", "set up", "available", "on my mac", "on here",
+                           "installed with brew", "in homebrew"}},
+                         {"is", {"is", "are", "do I have", "have I got", "was"}},
+                         {"with", {"with", "using", "via", "through", "by", "in"}},
+                         {"brew", {"brew", "homebrew"}},
+                         {"check", {"check", "is", "is", "see", "tell me", "are"}},
+                         {"if", {"if", "whether", "that"}}},
+            .biasTerms = {{"brew", 1.1F}, {"homebrew", 1.1F}},
+            .metadata = {{"tools", "brew"}},
+            .outputExamples = {{.prompt = "what packages do I have installed",
+                                .expectedCommand = "brew leaves",
+                                .singleMultiple = singleMultipleOrNone}},
+            .extraRules = {rules::brewLeaves},
+        },
+    };
+}
+
+CategoryRows terminalCategories() {
+    return {
+        {
+            .id = "open_in_terminal",
+            .prompts = {"<open?> <this?> <folder?> <in?> <terminal?>", "<show?> <this?> <folder?> <in?> <terminal?>",
+                        "<open?> <a?> <terminal?> <window?> <here?>", "<open?> <terminal?> <in?> <this?> <folder?>"},
+            .variants = {{"open", {"open", "open", "launch", "start", "go to", "cd to", "open up", "bring up"}},
+                         {"this", {"this", "this", "the", "current", "the current", "here"}},
+                         {"folder", {"folder", "directory", "location", "path", "place"}},
+                         {"in", {"in", "with", "at", "in a", "in the"}},
+                         {"terminal",
+                          {"terminal", "terminal", "the terminal", "command line", "shell", "console", "term", "iterm",
+                           "a terminal", "bash", "new terminal", "command prompt"}},
+                         {"show", {"show", "reveal", "view", "show me"}},
+                         {"a", {"a", "a new", "new"}},
+                         {"window", {"window", "tab", "session"}},
+                         {"here", {"here", "in this folder", "at this location", "in this directory", "from here"}}},
+            .metadata = {{"tools", "open_terminal"}},
+            .outputExamples = {{.prompt = "open in terminal",
+                                .expectedCommand = "open -a Terminal .",
+                                .singleMultiple = singleMultipleOrNone}},
+            .extraRules = {rules::terminalHere},
+        },
+        {
+            .id = "ping",
+            .prompts = {"<ping> <google>", "<test?> <my?> <internet?> <connection?> <to google?>",
+                        "<check?> <if?> <google?> <is?> <reachable?>"},
+            .variants = {{"ping",
+                          {"ping", "ping", "send a ping to", "try pinging", "ping the server", "can you ping",
+                           "traceroute to"}},
+                         {"google",
+                          {"google", "google.com", "*", "*.com", "1.1.1.1", "8.8.8.8", "the router", "my router",
+                           "192.168.1.1", "localhost", "the server", "www.*.com", "the internet", "this site"}},
+                         {"test", {"test", "check", "try", "check on"}},
+                         {"my", {"my", "the", "our"}},
+                         {"internet", {"internet", "wifi", "network", "web", "wi-fi", "online"}},
+                         {"connection", {"connection", "connectivity", "speed", "access", "latency", "link", "status"}},
+                         {"to google", {"to google", "to *.com", "to the server", "to *"}},
+                         {"check", {"check", "see", "test", "tell me", "find out"}},
+                         {"if", {"if", "whether"}},
+                         {"is", {"is", "is still", "are"}},
+                         {"reachable",
+                          {"reachable", "up", "online", "down", "working", "responding", "available", "connected",
+                           "accessible"}}},
+            .biasTerms = {{"ping", 1.1F}},
+            .metadata = {{"tools", "ping"}},
+            .outputExamples = {{.prompt = "ping google",
+                                .expectedCommand = "ping -c 4 google.com",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+        {
+            .id = "system_profiler_resolution",
+            .prompts = {"<get?> <the?> <resolution> <of?> <my?> <monitor?><s?>",
+                        "<get?> <my?> <monitor?><s?> <resolution?>"},
+            .variants = {{"get", {"get", "show", "show me", "tell me", "check", "what's"}},
+                         {"resolution",
+                          {"resolution", "resolution", "screen resolution", "display resolution", "monitor resolution",
+                           "screen size", "dimensions", "screen dimensions", "pixel size", "refresh rate"}},
+                         {"of", {"of", "for", "on"}},
+                         {"my", {"my", "this", "the", "my external", "my second"}},
+                         {"monitor",
+                          {"monitor", "screen", "display", "monitor", "mac screen", "external monitor",
+                           "external display"}}},
+            .metadata = {{"tools", "system_profiler"}},
+            .outputExamples = {{.prompt = "get the resolution of my monitor",
+                                .expectedCommand = "system_profiler SPDisplaysDataType | grep Resolution",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+    };
+}
+
+CategoryRows machineCategories() {
+    return {
+        {
+            .id = "sysctlInfo",
+            .prompts = {"how <much> <stuff> <does?> <my?> <mac?> <have?>", "<whats> <my?> <thing>",
+                        "what <thing> <does?> <my?> <mac?> <have?>", "when did <my?> <mac> <boot>",
+                        "<whats> <my?> <thing_with_version> <version?>", "<show> <my?> <mac?> <specs>"},
+            .variants =
+                {{"whats", {"whats", "what's", "what is", "tell me", "show me", "get"}},
+                 {"much", {"much", "many"}},
+                 {"show", {"show", "list", "display", "get", "print"}},
+                 {"stuff", {"ram", "memory", "RAM", "CPUs", "CPU cores"}},
+                 {"thing",
+                  {"core count", "cpu count", "processor count", "number of cpus", "RAM amount", "CPU", "processor",
+                   "hostname", "host name", "computer name", "machine name", "kernel", "darwin", "os", "macos"}},
+                 {"thing_with_version", {"kernel", "os", "macos"}},
+                 {"mac", {"mac", "computer", "laptop", "macbook", "machine", "system"}},
+                 {"boot", {"boot", "start", "turn on", "boot up", "start up", "last boot", "last reboot"}},
+                 {"specs",
+                  {"specs", "specifications", "info", "information", "details", "hardware info", "system info"}}},
+            .biasTerms = {{"sysctl", 1.2F}, {"ram", 1.1F}, {"cores", 1.1F}, {"cpu", 1.1F}},
+            .metadata = {{"tools", "sysctl"}},
+            .outputExamples = {{.prompt = "how much ram does my mac have",
+                                .expectedCommand = "sysctl hw.memsize",
+                                .singleMultiple = singleMultipleOrNone}},
+            .extraRules = {rules::sysctlKeys},
+        },
+        {
+            .id = "chargerPower",
+            .prompts = {"<charger> <power>?", "what <power> is my <laptop> charging <in watts?>?",
+                        "what's <my?> <charger> <power>?", "how <many watts> is my <laptop?> <charger>?",
+                        "how <many watts> is my <laptop?> <re?>charging", "what speed is my <laptop?> <charger>?",
+                        "show <charger?> <power?>"},
+            .variants = {{"charger", {"charger", "power adapter", "mac charger", "ac charger"}},
+                         {"power", {"power", "wattage", "watts", "output", "speed"}},
+                         {"many watts", {"many watts", "fast", "powerful", "much wattage"}},
+                         {"powerful", {"powerful", "strong", "big", "large", "high wattage"}},
+                         {"laptop", {"laptop", "macbook", "macbook pro", "macbook air", "computer", "mac"}}},
+            .metadata = {{"tools", "system_profiler"}},
+            .outputExamples =
+                {{.prompt = "What's my laptop charger's power?",
+                  .expectedCommand =
+                      R"(system_profiler SPPowerDataType | grep -A 5 "AC Charger Information" | grep "Wattage")",
+                  .singleMultiple = singleMultipleOrNone}},
+        },
+        {
+            .id = "batteryChargeTime",
+            .prompts = {"how <long> <until> <my?> <laptop?> <is?> <charged>?", "when will <my> <laptop?> be <charged>?",
+                        "charging time left", "<show?> battery <charge time>"},
+            .variants =
+                {{"long", {"long", "long", "much longer", "many minutes", "much time", "many hours"}},
+                 {"until", {"until", "till", "before", "left until", "to go until", "til", "does it take until"}},
+                 {"my", {"my", "the", "this"}},
+                 {"laptop", {"laptop", "macbook", "mac", "battery", "computer", "macbook pro", "laptop battery"}},
+                 {"is", {"is", "is fully", "will be", "gets"}},
+                 {"charged",
+                  {"charged", "fully charged", "full", "charged up", "done charging", "at 100%", "finished charging",
+                   "full battery", "ready"}},
+                 {"show", {"show", "show me", "get", "check", "what's the", "display", "what's my", "how's my"}},
+                 {"charge time",
+                  {"charge time", "charging time", "time remaining", "time left", "level", "percentage", "status",
+                   "charge", "life", "charge left", "time until full", "health", "remaining"}}},
+            .metadata = {{"tools", "pmset"}},
+            .outputExamples = {{.prompt = "How long until my laptop is charged?",
+                                .expectedCommand = "pmset -g ps",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+        {
+            .id = "sleepOrShutdownComputer",
+            .prompts = {"<sleep> <my?> <mac?>", "<put?> <my?> <mac?> to sleep"},
+            .variants = {{"sleep",
+                          {"sleep", "sleep", "go to sleep", "shut down", "shutdown", "restart", "reboot", "turn off",
+                           "power off", "switch off", "suspend", "hibernate", "lock", "power down"}},
+                         {"my", {"my", "the", "this"}},
+                         {"mac", {"mac", "computer", "laptop", "macbook", "mac", "computer", "machine"}},
+                         {"put", {"put", "send", "make"}}},
+            .biasTerms = {{"sleep", 1.1F}},
+            .metadata = {{"tools", "pmset"}},
+            .outputExamples = {{.prompt = "sleep",
+                                .expectedCommand = "pmset sleepnow",
+                                .singleMultiple = singleMultipleOrNone}},
+        },
+    };
+}
+
+}  // namespace brindlet
