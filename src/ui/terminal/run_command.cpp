@@ -1,110 +1,12 @@
-#include <fmt/format.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <iterator>
-#include <optional>
-
-#include "exec/command_runner.h"
-#include "exec/file_variables.h"
-#include "platform/log.h"
-#include "text/characters.h"
 #include "text/strings.h"
-#include "ui/json.h"
-#include "ui/prediction_rows.h"
 #include "ui/terminal/arguments.h"
-#include "ui/terminal/command_run.h"
+#include "ui/terminal/command_road.h"
 #include "ui/terminal/exit_code.h"
-#include "ui/terminal/interruption.h"
-#include "ui/terminal/prediction.h"
-#include "ui/terminal/question.h"
-#include "ui/terminal/shown_text.h"
 #include "ui/terminal/subcommand.h"
 
 namespace brindlet {
 
 namespace {
-
-// Where the road ended.
-enum class EndState { awaitingConfirmation, complete, question, presentingError, enteringPrompt };
-
-std::string_view caseName(EndState state) {
-    constexpr std::string_view names[] = {"awaitingConfirmation", "complete", "question", "presentingError",
-                                          "enteringPrompt"};
-    return names[static_cast<std::size_t>(state)];
-}
-
-struct RunReport {
-    std::string command;
-    PredictReport prediction;
-    std::set<CommandEffect> reasons;
-    CommandRunSummary runs;
-    std::optional<std::string> summary;  // the text of a line that only echoes one
-    EndState state = EndState::complete;
-    std::optional<std::string> error;
-    std::string problem;      // why nothing ran, where that is no error of its own
-    std::string note;         // what people should know, though nothing went wrong
-    bool wasStopped = false;  // by the user, before the run or in it
-};
-
-Json toJson(const RunReport& report) {
-    return {
-        {"command", report.command},
-        {"prediction", toJson(report.prediction)},
-        {"ran", report.runs.runs > 0 || report.runs.wasCancelled},
-        {"output", report.runs.output},
-        {"failureMessage", joined(report.runs.failureMessages, "")},
-        {"exitCode", report.runs.exitCode},
-        {"summary", optionalJson(report.summary)},
-        {"state", caseName(report.state)},
-        {"error", optionalJson(report.error)},
-    };
-}
-
-int exitCodeOf(const RunReport& report) {
-    if (report.wasStopped) return exitCancelled;
-    if (report.error || !report.problem.empty()) return exitFailed;
-    return report.runs.exitCode == 0 ? exitDone : exitFailed;
-}
-
-bool asksSomething(std::string_view text) {
-    constexpr std::string_view beginnings[] = {"please", "why",  "what", "how", "can", "could", "would",
-                                               "should", "will", "is",   "are", "was", "were"};
-    const std::string lower = lowercased(text);
-    return lower.ends_with('?') ||
-           std::ranges::any_of(beginnings, [&](std::string_view beginning) { return lower.starts_with(beginning); });
-}
-
-std::string titlesOf(const std::set<CommandEffect>& effects) {
-    std::vector<std::string> titles;
-    for (const CommandEffect effect : effects) titles.emplace_back(rawValue(effect));
-    return joined(titles, ", ");
-}
-
-// "Error analysing command: Expected a word", or nothing.
-std::string analysisErrorText(const AnalysisResult& result) {
-    if (!result.analysisError) return "";
-    const ChangesViewIconAndText row = rowFor(*result.analysisError);
-    return row.subtitle ? row.text + ": " + *row.subtitle : row.text;
-}
-
-std::string refusalText(const RunReport& report) {
-    std::string text = "nothing was run, since nobody is here to be asked about: " + titlesOf(report.reasons);
-    if (report.prediction.result.analysisError) text += " (" + analysisErrorText(report.prediction.result) + ")";
-    return text + "; --yes runs it without asking";
-}
-
-// What stands for a file manager at a terminal.
-class NoFileManager final : public FilePresenter {
-  public:
-    void selectInFileManager(const std::vector<FilePath>& items) override {
-        reportProblem(fmt::format("a file manager would now show {} selected",
-                                  items.size() == 1 ? "1 item" : fmt::format("{} items", items.size())));
-    }
-    void openFolder(const FilePath& folder) override {
-        reportProblem("a file manager would now open " + folder.text());
-    }
-};
 
 class RunCommand final : public Subcommand {
   public:
@@ -112,8 +14,8 @@ class RunCommand final : public Subcommand {
         : command_(*addWord(app, "COMMAND", "The line of bash, in quotes")),
           files_(*addWords(app, "FILE", "The selected files, for FILE_NAME and its like")),
           folder_(*addFolderOption(app)) {
-        app.add_flag("--yes", isConfirmed_, "Runs without asking");
-        app.add_flag("--json", wantsJson_, "Prints what happened as one JSON object");
+        app.add_flag("--yes", options_.isConfirmed, "Runs without asking");
+        app.add_flag("--json", options_.wantsJson, "Prints what happened as one JSON object");
     }
 
     int run(CommandLineContext& context, StandardOutput& output) override {
@@ -124,118 +26,18 @@ class RunCommand final : public Subcommand {
         context.folder();
         context.startLogging();
 
-        RunReport report;
-        report.prediction = predictCommand(line, files, context);
-        report.command = trimmed(report.prediction.result.rewrittenCommand);
-        report.reasons =
-            reasonsToAsk(commandEffects(report.prediction.result, context.folder()), report.prediction.toggles);
-        decide(report, files, context, output);
-        tell(report, output);
-        return exitCodeOf(report);
+        const CommandRoad road(options_);
+        RoadReport report = CommandRoad::predicted(line, files, context);
+        road.decide(report, files, context, output);
+        road.tell(report, output);
+        return CommandRoad::exitCodeOf(report);
     }
 
   private:
-    // From the prediction to the end of the run.
-    void decide(RunReport& report, const std::vector<FilePath>& files, CommandLineContext& context,
-                StandardOutput& output) const {
-        const auto& analysisError = report.prediction.result.analysisError;
-        if (analysisError && analysisError->kind == BasherAnalysisError::Kind::bannedInBrindlet)
-            return presentError(report, analysisError->text);
-        if (const auto text = pureEchoText(report.command)) {
-            logInfo("Command output was pure echo: " + *text);
-            report.summary = *text;
-            report.state = asksSomething(*text) ? EndState::question : EndState::complete;
-            return;
-        }
-        Interruption interruption;
-        if (!mayRun(report, interruption)) return;
-        if (hasTooManyFiles(report.command, files)) return presentError(report, std::string(tooManyFilesText));
-        if (files.empty() && runMode(report.command) == RunMode::oncePerFile) {
-            report.note = "nothing was run, since the command runs once for each FILE and none is given";
-            return;
-        }
-        runNow(report, files, context, output, interruption);
-    }
-
-    static void presentError(RunReport& report, std::string text) {
-        report.error = std::move(text);
-        report.state = EndState::presentingError;
-    }
-
-    // Asks where there is something to ask about and somebody to ask. False: the report says why not.
-    bool mayRun(RunReport& report, const Interruption& interruption) const {
-        if (report.reasons.empty()) {
-            logInfo("Auto-running because side effects are compatible with user's settings");
-            return true;
-        }
-        logInfo("Awaiting confirmation for the following reasons: " + titlesOf(report.reasons));
-        if (isConfirmed_) {
-            if (!wantsJson_) showPrediction(report);
-            return true;
-        }
-        if (!canAsk()) {
-            report.state = EndState::awaitingConfirmation;
-            report.problem = refusalText(report);
-            return false;
-        }
-        showPrediction(report);
-        if (ask("Run it? [Enter/y] runs, [n/Escape] stops ", interruption) == Answer::yes) return true;
-        report.state = EndState::awaitingConfirmation;
-        report.wasStopped = true;
-        return false;
-    }
-
-    // On standard error: standard output is for what the command prints.
-    static void showPrediction(const RunReport& report) {
-        constexpr std::string_view runsTexts[] = {
-            "Runs once:", "Runs once per file selected:", "Runs once on all selected files:"};
-        const auto mode = static_cast<std::size_t>(runMode(report.command));
-        writeTo(STDERR_FILENO, fmt::format("{}\n  {}\n", runsTexts[mode], shownText(report.command)));
-        writeTo(STDERR_FILENO, predictionText(report.prediction, styleFor(STDERR_FILENO)));
-    }
-
-    void runNow(RunReport& report, const std::vector<FilePath>& files, CommandLineContext& context,
-                StandardOutput& output, Interruption& interruption) const {
-        NoFileManager presenter;
-        CommandRunner runner(context.searchPath(), &presenter);
-        std::optional<OutputError> outputError;
-        const auto printLine = [&](std::string_view line) {
-            if (wantsJson_ || outputError) return;
-            try {
-                output.write(line);
-                output.write("\n");
-                output.flush();
-            } catch (const OutputError& error) {
-                // Nobody reads any more: the command need not go on either.
-                outputError = error;
-                interruption.request();
-            }
-        };
-        report.runs = runAccepted(report.command, files, context.folder(), context.environment(), runner, printLine,
-                                  interruption.token());
-        if (outputError) throw *outputError;
-        report.wasStopped = report.runs.wasCancelled;
-        if (report.wasStopped) report.state = EndState::enteringPrompt;
-    }
-
-    void tell(const RunReport& report, StandardOutput& output) const {
-        if (wantsJson_) {
-            output.write(jsonText(toJson(report)) + "\n");
-        } else {
-            if (report.summary) output.write(*report.summary + "\n");
-            if (report.error) reportProblem(*report.error);
-            for (const std::string& message : report.runs.failureMessages) reportProblem(message);
-        }
-        output.flush();
-        for (const std::string& sentence : {report.problem, report.note})
-            if (!sentence.empty()) reportProblem(sentence);
-    }
-
     const CLI::Option& command_;
     const CLI::Option& files_;
     const CLI::Option& folder_;
-    bool isConfirmed_ = false;
-    bool wantsJson_ = false;
+    CommandRoad::Options options_;
 };
 
 }  // namespace

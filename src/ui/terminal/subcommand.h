@@ -29,6 +29,8 @@ std::unique_ptr<Subcommand> makePredictCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeRunCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeParseCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeGlobCommand(CLI::App& app);
+std::unique_ptr<Subcommand> makeAskCommand(CLI::App& app);
+std::unique_ptr<Subcommand> makeSummarizeCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeQuickCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makePromptCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeSettingsCommand(CLI::App& app);
