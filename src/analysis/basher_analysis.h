@@ -180,7 +180,7 @@ class BasherAnalysis {
     void countCommand();
     void checkSize(std::size_t bytes) const;
     void noteDoubts(std::vector<std::string> sentences);
-    void settleDoubts(std::string_view name, std::vector<std::string> carried);
+    void settleDoubts(std::string_view name, const std::vector<std::string>& args, std::vector<std::string> carried);
     void noteUnseen(const std::string& text);
     void noteUnseenAfter(const BashStatement& statement, std::size_t at, std::optional<int> exitCode);
     // Whether a shell may come to another exit code than the last one here.

@@ -46,6 +46,9 @@ struct CommandRow {
     std::string_view name;
     CommandModel model;
     Reach reach = Reach::mayChange;
+    // Of a command that may change things: whether with these words it only reads, though escapes in them may turn out
+    // otherwise in a shell.
+    bool (*onlyReadsWith)(const std::vector<std::string>& args) = nullptr;
 };
 
 // The commands that have a row, by exact name.

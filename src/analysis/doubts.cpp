@@ -167,7 +167,13 @@ void Doubts::raise(std::string sentence) {
     raised_.push_back(std::move(sentence));
 }
 
+void Doubts::raiseForEscapes(std::string sentence) {
+    raise(std::move(sentence));
+    ++raisedForEscapes_;
+}
+
 std::vector<std::string> Doubts::take() {
+    raisedForEscapes_ = 0;
     return std::exchange(raised_, {});
 }
 

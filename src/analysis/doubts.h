@@ -19,8 +19,12 @@ namespace brindlet {
 class Doubts {
   public:
     void raise(std::string sentence);
+    // The same about the escapes of a literal text: what a shell makes of it has the same characters, but for them.
+    void raiseForEscapes(std::string sentence);
     // What was raised since the last call.
     std::vector<std::string> take();
+    // Whether all of it was about escapes.
+    bool concernEscapesAlone() const { return raised_.size() == raisedForEscapes_; }
 
     // What is in doubt about a variable's value is raised whenever the value is used.
     void taint(std::string_view variable, std::vector<std::string> sentences);
@@ -33,6 +37,7 @@ class Doubts {
 
   private:
     std::vector<std::string> raised_;
+    std::size_t raisedForEscapes_ = 0;
     std::vector<std::string> forTheRest_;
     std::map<std::string, std::vector<std::string>, std::less<>> variables_;
 };

@@ -314,12 +314,12 @@ CommandResult BasherAnalysis::runSimpleCommand(const BashCommand& command, const
         CommandResult read = readInputRedirect(*redirect);
         if (read.exitCode != 0) {
             noteEmptiedBefore(command.redirects, *redirect);
-            settleDoubts(names->front(), std::move(carried));
+            settleDoubts(names->front(), *args, std::move(carried));
             return read;
         }
         input = std::move(read.output);
     }
-    settleDoubts(names->front(), std::move(carried));
+    settleDoubts(names->front(), *args, std::move(carried));
     auto own = std::exchange(carriedDoubts_, {});
     isEmptyNameUsed_ = false;
     CommandResult result = runCommand(names->front(), std::move(*args), std::move(input), command);
@@ -335,13 +335,18 @@ CommandResult BasherAnalysis::runSimpleCommand(const BashCommand& command, const
 
 // What is in doubt about a command's words and input is said where something could happen to them; what only reads
 // hands it on with its output and its exit code.
-void BasherAnalysis::settleDoubts(std::string_view name, std::vector<std::string> carried) {
+void BasherAnalysis::settleDoubts(std::string_view name, const std::vector<std::string>& args,
+                                  std::vector<std::string> carried) {
+    const CommandRow* row = services_.commands.find(name);
+    const bool onlyReadsNow = row != nullptr && row->onlyReadsWith != nullptr && row->onlyReadsWith(args);
+    const bool handsAllOn = onlyReads(name) || (onlyReadsNow && state_->doubts.concernEscapesAlone());
     auto sentences = state_->doubts.take();
-    sentences.insert(sentences.end(), carried.begin(), carried.end());
-    if (onlyReads(name)) {
-        carriedDoubts_ = std::move(sentences);
+    if (handsAllOn || onlyReadsNow) carriedDoubts_ = carried;
+    if (handsAllOn) {
+        carriedDoubts_.insert(carriedDoubts_.begin(), sentences.begin(), sentences.end());
         return;
     }
+    if (!onlyReadsNow) sentences.insert(sentences.end(), carried.begin(), carried.end());
     const auto& lasting = state_->doubts.forTheRest();
     sentences.insert(sentences.end(), lasting.begin(), lasting.end());
     noteDoubts(std::move(sentences));

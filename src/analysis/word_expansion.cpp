@@ -263,7 +263,7 @@ std::optional<std::string> BasherAnalysis::expandElement(const BashWordElement& 
         Overloaded{
             [&](const Text& text) -> Expanded {
                 if (text.raw.size() != text.value.size())
-                    if (auto doubt = escapeDoubt(text, isInDoubleQuotes)) doubts.raise(std::move(*doubt));
+                    if (auto doubt = escapeDoubt(text, isInDoubleQuotes)) doubts.raiseForEscapes(std::move(*doubt));
                 return text.value;
             },
             [&](const CommandSubstitution& substitution) -> Expanded {

@@ -66,6 +66,11 @@ void noteHazards(BasherAnalysis& analysis, const Words& words) {
 
 }  // namespace
 
+bool onlyPrintsFields(const Words& args) {
+    const ToolReading reading = readAsTool(args, plainOptions, OptionsStand::beforeOperands);
+    return reading.knowsAll() && !reading.operands.empty() && !awkHazard(reading.operands.front());
+}
+
 CommandResult processFields(BasherAnalysis& analysis, const ModelInput& input) {
     ArgExtractor args = wordsOf(input);
     const auto taken = args.extractFlagsAndOptions({{"F", 1}, {"f", 1}, {"v", 1}, {"W", 1}, {"m", 1}});

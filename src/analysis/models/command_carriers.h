@@ -12,6 +12,7 @@
 namespace brindlet {
 
 CommandResult findFiles(BasherAnalysis& analysis, const ModelInput& input);        // find
+bool onlyFinds(const std::vector<std::string>& args);
 CommandResult runOnInputWords(BasherAnalysis& analysis, const ModelInput& input);  // xargs
 
 }  // namespace brindlet

@@ -215,6 +215,14 @@ void noteWithoutAction(BasherAnalysis& analysis, const ActionLine& line, const C
 
 }  // namespace
 
+// Wherever in the words these stand: an escape may make one word of two.
+bool onlyFinds(const Words& args) {
+    constexpr std::string_view actions[] = {"-delete", "-exec", "-ok", "-fprint", "-fls"};
+    return std::none_of(args.begin(), args.end(), [&](const std::string& word) {
+        return std::any_of(std::begin(actions), std::end(actions), [&](auto action) { return contains(word, action); });
+    });
+}
+
 CommandResult findFiles(BasherAnalysis& analysis, const ModelInput& input) {
     analysis.noteSeesOnlyRealFiles("find");
     const auto expression = readExpression(input.args);

@@ -156,7 +156,22 @@ CommandResult runModel(BasherAnalysis& analysis, const ModelInput& input) {
     return saidIfStopped(analysis, input, analysis.runRealCommand("sed", input.standardInput, input.args));
 }
 
+bool onlyPrints(const SedScript& script) {
+    return script.isUnderstood && !script.runsCommands && script.writtenFiles.empty();
+}
+
+// With the escapes in place that double quotes are taken to resolve.
+std::string withEscapes(std::string_view script) {
+    return replacedAll(replacedAll(replacedAll(script, "\n", "\\n"), "\t", "\\t"), "\r", "\\r");
+}
+
 }  // namespace
+
+bool onlyPrintsEdited(const Words& args) {
+    const RealSed sed = realSed(args);
+    return !sed.isInPlace && sed.scriptFiles.empty() && onlyPrints(readSedScript(sed.script)) &&
+           onlyPrints(readSedScript(withEscapes(sed.script)));
+}
 
 CommandResult editStream(BasherAnalysis& analysis, const ModelInput& input) {
     const RealSed sed = realSed(input.args);

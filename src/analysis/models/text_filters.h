@@ -27,6 +27,8 @@ CommandResult compareFiles(BasherAnalysis& analysis, const ModelInput& input);  
 
 // sed.cpp, awk.cpp. A script that does more than print is refused or said.
 CommandResult editStream(BasherAnalysis& analysis, const ModelInput& input);     // sed
+bool onlyPrintsEdited(const std::vector<std::string>& args);
+bool onlyPrintsFields(const std::vector<std::string>& args);
 CommandResult processFields(BasherAnalysis& analysis, const ModelInput& input);  // awk
 
 // evaluators.cpp
