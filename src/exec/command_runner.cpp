@@ -1,10 +1,8 @@
 #include "exec/command_runner.h"
 
-#include <algorithm>
-#include <chrono>
-#include <thread>
 #include <utility>
 
+#include "exec/child_follower.h"
 #include "exec/file_presenting.h"
 #include "exec/output_lines.h"
 #include "platform/child_process.h"
@@ -17,106 +15,8 @@ namespace brindlet {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using namespace std::chrono_literals;
-
-constexpr Clock::duration tickInterval = 250ms;
-// How long a reading or a pause may last, and so how late a request to stop may be noticed.
-constexpr std::chrono::milliseconds patience = 40ms;
-constexpr Clock::duration shortestPause = 200us;
-constexpr Clock::duration longestPause = 10ms;
-// A child in the background may hold the pipe for as long as it likes.
-constexpr Clock::duration longestDrain = 1s;
-constexpr Clock::duration gentleEndLimit = 2s;
-constexpr Clock::duration lastMoment = 200ms;
-
 // Linux takes no single argument and no single variable of more than this (MAX_ARG_STRLEN, its null byte counted).
 constexpr std::size_t longestArgument = std::size_t{128} * 1024 - 1;
-
-// Follows one child from its start to its end, in the calling thread: passes its lines on, ticks, watches for a stop.
-class Follower {
-  public:
-    Follower(ChildProcess& child, LineSplitter::Take onLine, std::function<void(double seconds)> onTick)
-        : child_(child), lines_(std::move(onLine)), onTick_(std::move(onTick)) {}
-
-    // The exit status; none if `stop` was requested before the end, and then the whole group has been ended.
-    std::optional<int> follow(const std::stop_token& stop) {
-        std::optional<int> status;
-        Clock::time_point drainEnd = Clock::time_point::max();
-        while (!stop.stop_requested()) {
-            if (pipeIsOpen_) {
-                readOnce();
-            } else {
-                pauseBriefly();
-            }
-            tickIfDue();
-            if (!status && (status = child_.exitStatus())) drainEnd = Clock::now() + longestDrain;
-            if (status && (!pipeIsOpen_ || Clock::now() >= drainEnd)) {
-                lines_.finish();
-                return status;
-            }
-        }
-        endGroup();
-        return std::nullopt;
-    }
-
-  private:
-    void readOnce() {
-        const ReadState state = child_.read(buffer_, std::min(patience, untilNextTick()));
-        lines_.feed(buffer_);
-        buffer_.clear();
-        pipeIsOpen_ = state != ReadState::ended;
-    }
-
-    // The pipe is mostly closed by the exit itself, so that the first pauses are short.
-    void pauseBriefly() {
-        std::this_thread::sleep_for(pause_);
-        pause_ = std::min(pause_ * 2, longestPause);
-    }
-
-    std::chrono::milliseconds untilNextTick() const {
-        if (!onTick_) return patience;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(nextTick_ - Clock::now());
-        return std::max(left, 0ms);
-    }
-
-    void tickIfDue() {
-        if (!onTick_ || Clock::now() < nextTick_) return;
-        onTick_(std::chrono::duration<double>(Clock::now() - start_).count());
-        nextTick_ = Clock::now() + tickInterval;
-    }
-
-    // Gently, then for good. Bash itself mostly ends at once, and its pipe with it; a tool whose output goes to a file
-    // may still be busy making that file whole, and gets a moment for it.
-    void endGroup() {
-        child_.terminateGroup(true);
-        Clock::time_point limit = Clock::now() + gentleEndLimit;
-        bool isLastMoment = false;
-        while (Clock::now() < limit) {
-            if (pipeIsOpen_) {
-                pipeIsOpen_ = child_.read(buffer_, patience) != ReadState::ended;
-                buffer_.clear();
-                continue;
-            }
-            if (!isLastMoment && child_.exitStatus()) {
-                isLastMoment = true;
-                limit = std::min(limit, Clock::now() + lastMoment);
-            }
-            pauseBriefly();
-        }
-        child_.terminateGroup(false);
-        child_.waitForExit();
-    }
-
-    ChildProcess& child_;
-    LineSplitter lines_;
-    std::function<void(double)> onTick_;
-    std::string buffer_;
-    bool pipeIsOpen_ = true;
-    Clock::duration pause_ = shortestPause;
-    Clock::time_point start_ = Clock::now();
-    Clock::time_point nextTick_ = start_ + tickInterval;
-};
 
 // Without a copy where there is nothing to mend: it may be large.
 std::string inUtf8(std::string text) {
@@ -159,6 +59,10 @@ void logFileVariables(const Environment& environment) {
 CommandRunner::CommandRunner(ToolSearchPath& searchPath, FilePresenter* presenter, TrackerChooser chooser)
     : searchPath_(searchPath), presenter_(presenter), chooser_(std::move(chooser)) {}
 
+void CommandRunner::divertOverwrittenLines(std::function<void(std::string_view line)> onOverwrittenLine) {
+    onOverwrittenLine_ = std::move(onOverwrittenLine);
+}
+
 std::optional<CommandRunResult> CommandRunner::run(const std::string& command, const std::vector<FilePath>& files,
                                                    const FilePath& workingDirectory, const Environment& base,
                                                    const std::function<void(std::string_view line)>& onLine,
@@ -178,17 +82,21 @@ std::optional<CommandRunResult> CommandRunner::run(const std::string& command, c
     if (!child) return failure("Error executing command: " + child.failure().description, 1);
 
     BoundedOutput output;
-    const auto takeLine = [&](std::string_view bytes) {
+    const auto takeLine = [&](std::string_view bytes, const std::function<void(std::string_view)>& receiver) {
         output.addLine(bytes);
-        if (!onLine && !tracker) return;
+        if (!receiver && !tracker) return;
         const std::string line = toValidUtf8(bytes);
-        if (onLine) onLine(line);
         if (tracker) tracker->handleOutputLine(line, report);
+        if (receiver) receiver(line);
     };
     std::function<void(double)> tick;
     if (tracker) tick = [&](double seconds) { tracker->handleElapsed(seconds, report); };
 
-    const std::optional<int> status = Follower(**child, takeLine, tick).follow(stop);
+    ChildFollower follower(
+        **child, [&](std::string_view bytes) { takeLine(bytes, onLine); }, tick);
+    if (onOverwrittenLine_)
+        follower.divertOverwritten([&](std::string_view bytes) { takeLine(bytes, onOverwrittenLine_); });
+    const std::optional<int> status = follower.follow(stop);
     if (!status || stop.stop_requested()) return std::nullopt;
     std::string text = output.take();
     if (*status != 0) {

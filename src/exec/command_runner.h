@@ -18,6 +18,7 @@
 #include "exec/tool_search_path.h"
 #include "platform/environment.h"
 #include "platform/file_path.h"
+#include "platform/file_presenter.h"
 
 namespace brindlet {
 
@@ -35,16 +36,6 @@ struct CommandRunResult {
     std::string failureMessage;  // empty when all went well
     int exitCode = 0;
     bool operator==(const CommandRunResult&) const = default;
-};
-
-// What happens at the end of a line that ends in "| finderSelect" or "| presentFiles". A front end without a file
-// manager brings one that only says what it would have shown.
-struct FilePresenter {
-    virtual ~FilePresenter() = default;
-    // Opens the file manager with exactly these items selected.
-    virtual void selectInFileManager(const std::vector<FilePath>& items) = 0;
-    // Opens a folder in the file manager.
-    virtual void openFolder(const FilePath& folder) = 0;
 };
 
 // Chooses how a command's output becomes progress. The runner calls it once a run; none: no progress.
@@ -69,6 +60,10 @@ class CommandRunner {
                                         const std::function<void(const CommandProgress&)>& onProgress,
                                         std::stop_token stop);
 
+    // A line that ends in a carriage return is there to be overwritten by the next, as tools show how far they are.
+    // Once it has a receiver of its own it does not reach `onLine`; it belongs to the output all the same.
+    void divertOverwrittenLines(std::function<void(std::string_view line)> onOverwrittenLine);
+
     // The exact text that bash is given with -c, for `environment` as made by environmentWithFiles.
     static std::string script(std::string_view command, const std::string& searchPath, const Environment& environment,
                               const std::vector<FilePath>& files, const FilePath& workingDirectory);
@@ -77,6 +72,7 @@ class CommandRunner {
     ToolSearchPath& searchPath_;
     FilePresenter* presenter_;
     TrackerChooser chooser_;
+    std::function<void(std::string_view)> onOverwrittenLine_;
 };
 
 // The text of a command that only echoes a literal, for which no shell need be started; else none.

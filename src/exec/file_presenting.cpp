@@ -28,8 +28,6 @@ constexpr PipelineEndRow pipelineEnds[] = {
 // A file manager takes its time over a long selection; from here on a folder of links is the better sight.
 constexpr std::size_t tooManyToSelect = 100;
 
-constexpr std::string_view resultsFolder = "/tmp/Brindlet/Brindlet File Results";
-
 const PipelineEndRow* rowFor(std::string_view command) {
     const auto* row = std::find_if(std::begin(pipelineEnds), std::end(pipelineEnds),
                                    [command](const PipelineEndRow& each) { return command.ends_with(each.text); });
@@ -61,7 +59,7 @@ std::string_view withoutPipelineEnd(std::string_view command) {
 }
 
 CommandRunResult presentPaths(PipelineEnd end, std::string_view output, const FilePath& workingDirectory,
-                              FilePresenter* presenter) {
+                              FilePresenter* presenter, const FilePath& resultsFolder) {
     const auto* row = std::find_if(std::begin(pipelineEnds), std::end(pipelineEnds),
                                    [end](const PipelineEndRow& each) { return each.end == end; });
     std::vector<FilePath> items;
@@ -73,7 +71,7 @@ CommandRunResult presentPaths(PipelineEnd end, std::string_view output, const Fi
         if (canBeSelectedInPlace(end, items, workingDirectory)) {
             presenter->selectInFileManager(items);
         } else {
-            presentInResultsFolder(items, FilePath(resultsFolder), *presenter);
+            presentInResultsFolder(items, resultsFolder, *presenter);
         }
     }
     return {.output = std::string(row->verb) + ' ' + std::to_string(items.size()) + " items in Finder",

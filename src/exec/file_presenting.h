@@ -18,9 +18,11 @@ PipelineEnd pipelineEnd(std::string_view command);
 std::string_view withoutPipelineEnd(std::string_view command);
 
 // Shows the paths in `output`, one a line, and tells how many there were; it is a failure if there were none. With no
-// presenter nothing is shown. `output` is taken byte for byte, since names need not be UTF-8.
+// presenter nothing is shown. `output` is taken byte for byte, since names need not be UTF-8. What can't be selected in
+// one folder is shown in `resultsFolder`.
 CommandRunResult presentPaths(PipelineEnd end, std::string_view output, const FilePath& workingDirectory,
-                              FilePresenter* presenter);
+                              FilePresenter* presenter,
+                              const FilePath& resultsFolder = FilePath("/tmp/Brindlet/Brindlet File Results"));
 
 // Fills `folder`, anew each time, with symbolic links to `items` and opens it: so files from anywhere appear in one
 // window. What goes wrong for one item leaves that one out. Nothing is done if the folder above it belongs to another

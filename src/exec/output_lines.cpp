@@ -5,6 +5,18 @@
 
 namespace brindlet {
 
+namespace {
+
+// More than this at once is a text, and a carriage return at its very end mostly has its newline still to come.
+constexpr std::size_t mostProgressBytes = 16 * 1024;
+
+bool isOverwritingReturn(std::string_view bytes, std::size_t at) {
+    if (bytes[at] != '\r') return false;
+    return at + 1 == bytes.size() ? bytes.size() <= mostProgressBytes : bytes[at + 1] != '\n';
+}
+
+}  // namespace
+
 LineSplitter::LineSplitter(Take take, std::size_t longestLine) : take_(std::move(take)), longestLine_(longestLine) {}
 
 void LineSplitter::feed(std::string_view bytes) {
@@ -13,27 +25,28 @@ void LineSplitter::feed(std::string_view bytes) {
     std::size_t carriageReturn = bytes.find('\r');
     while (newline != carriageReturn) {  // both are npos where no line ends any more
         const std::size_t end = std::min(newline, carriageReturn);
-        endLine(bytes.substr(begin, end - begin));
+        const bool isOverwritten = takeOverwritten_ && isOverwritingReturn(bytes, end);
+        endLine(bytes.substr(begin, end - begin), isOverwritten ? takeOverwritten_ : take_);
         begin = end + 1;
         // Only the one that was passed is searched again: so each byte is looked at twice, whatever the mixture.
         std::size_t& passed = newline < carriageReturn ? newline : carriageReturn;
         passed = bytes.find(bytes[end], begin);
     }
     begun_ += bytes.substr(begin);
-    if (begun_.size() > longestLine_) endLine({});
+    if (begun_.size() > longestLine_) endLine({}, take_);
 }
 
 void LineSplitter::finish() {
-    endLine({});
+    endLine({}, take_);
 }
 
-void LineSplitter::endLine(std::string_view rest) {
+void LineSplitter::endLine(std::string_view rest, const Take& take) {
     if (begun_.empty()) {  // by far the most lines lie whole in what was read
-        if (!rest.empty()) take_(rest);
+        if (!rest.empty()) take(rest);
         return;
     }
     begun_ += rest;
-    take_(begun_);
+    take(begun_);
     begun_.clear();
 }
 

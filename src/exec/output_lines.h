@@ -9,6 +9,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace brindlet {
 
@@ -21,14 +22,19 @@ class LineSplitter {
     // A line that grows past `longestLine` bytes is passed on in pieces.
     explicit LineSplitter(Take take, std::size_t longestLine = std::size_t{16} << 20);
 
+    // Lines that end in a carriage return with no newline right behind it go here instead. A newline that has
+    // not come yet is not waited for where little comes at a time, as from a tool that shows how far it is.
+    void divertOverwritten(Take takeOverwritten) { takeOverwritten_ = std::move(takeOverwritten); }
+
     void feed(std::string_view bytes);
     // The output has ended: what was begun is the last line.
     void finish();
 
   private:
-    void endLine(std::string_view rest);
+    void endLine(std::string_view rest, const Take& take);
 
     Take take_;
+    Take takeOverwritten_;
     std::size_t longestLine_;
     std::string begun_;
 };

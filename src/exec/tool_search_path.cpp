@@ -18,10 +18,13 @@ using namespace std::chrono_literals;
 constexpr std::string_view mark = "___BrindletPath___";
 constexpr std::string_view defaultShell = "/bin/zsh";
 constexpr std::string_view homebrewFolder = "/opt/homebrew/bin";
+// Where Homebrew really lies on Linux (docs.brew.sh/Homebrew-on-Linux).
+constexpr std::string_view linuxHomebrewFolder = "/home/linuxbrew/.linuxbrew/bin";
 constexpr std::string_view systemFolders[] = {"/usr/bin", "/bin", "/usr/sbin", "/sbin", "/usr/local/bin"};
 
 // What a start file may take before the answer is done without. A prediction may be waiting.
 constexpr Clock::duration longestProbe = 5s;
+constexpr Clock::duration probeFarewell = 300ms;
 constexpr std::size_t mostProbeBytes = std::size_t{4} << 20;
 constexpr std::chrono::milliseconds probePatience = 20ms;
 
@@ -42,18 +45,25 @@ std::optional<std::string> loginShell(const Environment& environment) {
 // its whole group; what a start file left in the background lives on, and may even keep the pipe open: with the shell
 // gone, a pipe with nothing in it has said all.
 std::string outputWithinLimits(ChildProcess& shell) {
-    const Clock::time_point limit = Clock::now() + longestProbe;
     std::string output;
     ReadState state = ReadState::timedOut;
-    while (Clock::now() < limit && output.size() < mostProbeBytes) {
-        const bool hadExited = shell.exitStatus().has_value();
-        if (state == ReadState::ended) {
-            std::this_thread::sleep_for(1ms);
-        } else {
-            state = shell.read(output, probePatience);
+    const auto hasEndedWithin = [&](Clock::duration time) {
+        const Clock::time_point limit = Clock::now() + time;
+        while (Clock::now() < limit && output.size() < mostProbeBytes) {
+            const bool hadExited = shell.exitStatus().has_value();
+            if (state == ReadState::ended) {
+                std::this_thread::sleep_for(1ms);
+            } else {
+                state = shell.read(output, probePatience);
+            }
+            if (hadExited && state != ReadState::bytes) return true;
         }
-        if (hadExited && state != ReadState::bytes) return output;
-    }
+        return false;
+    };
+    if (hasEndedWithin(longestProbe)) return output;
+    // What a start file waits for gets the time to take its lock files away; the shell itself may then go on.
+    shell.terminateGroup(true);
+    if (hasEndedWithin(probeFarewell)) return output;
     shell.terminateGroup(false);
     shell.waitForExit();
     return output;
@@ -93,27 +103,62 @@ std::vector<std::string> loginShellPath(const Environment& environment) {
     return folders.empty() ? splitNonEmpty(valueOf(environment, "PATH"), ":") : folders;
 }
 
-ToolSearchPath::ToolSearchPath(FileSystem& files, FilePath packagesFolder, FilePath binariesFolder,
+ToolSearchPath::ToolSearchPath(FileSystem& files, FilePath packagesFolder, std::vector<FilePath> binariesFolders,
                                Environment environment)
     : files_(files),
       packagesFolder_(std::move(packagesFolder)),
-      binariesFolder_(std::move(binariesFolder)),
+      binariesFolders_(std::move(binariesFolders)),
       environment_(std::move(environment)) {}
 
-std::string ToolSearchPath::text() {
+void ToolSearchPath::appendIfThere(std::vector<std::string>& folders, const FilePath& folder) {
+    if (files_.look(folder) == ItemKind::folder) folders.push_back(folder.text());
+}
+
+// What stands before the login shell's own folders.
+std::vector<std::string> ToolSearchPath::leadingFolders() {
     std::vector<std::string> folders{std::string(homebrewFolder)};
-    const auto appendIfThere = [&](const FilePath& folder) {
-        if (files_.look(folder) == ItemKind::folder) folders.push_back(folder.text());
-    };
-    appendIfThere(packagesFolder_);
+    appendIfThere(folders, FilePath(linuxHomebrewFolder));
+    appendIfThere(folders, packagesFolder_);
+    return folders;
+}
+
+std::vector<std::string> ToolSearchPath::trailingFolders() {
+    std::vector<std::string> folders(std::begin(systemFolders), std::end(systemFolders));
+    for (const FilePath& folder : binariesFolders_) appendIfThere(folders, folder);
+    return folders;
+}
+
+std::vector<std::string> ToolSearchPath::folders() {
+    std::vector<std::string> folders = leadingFolders();
     {
         const std::lock_guard lock(loginShellGuard_);
         if (!loginShellPath_) loginShellPath_ = loginShellPath(environment_);
         folders.insert(folders.end(), loginShellPath_->begin(), loginShellPath_->end());
     }
-    folders.insert(folders.end(), std::begin(systemFolders), std::end(systemFolders));
-    appendIfThere(binariesFolder_);
-    return joined(withoutDuplicates(folders), ":");
+    const std::vector<std::string> trailing = trailingFolders();
+    folders.insert(folders.end(), trailing.begin(), trailing.end());
+    return withoutDuplicates(folders);
+}
+
+std::string ToolSearchPath::text() {
+    return joined(folders(), ":");
+}
+
+bool ToolSearchPath::holds(std::string_view tool) {
+    return findIn(leadingFolders(), tool) || findIn(trailingFolders(), tool) || find(tool);
+}
+
+std::optional<FilePath> ToolSearchPath::find(std::string_view tool) {
+    return findIn(folders(), tool);
+}
+
+std::optional<FilePath> ToolSearchPath::findIn(const std::vector<std::string>& folders, std::string_view tool) {
+    for (const std::string& folder : folders) {
+        if (!folder.starts_with('/')) continue;  // against which folder would it be taken?
+        FilePath path = FilePath(folder).child(tool);
+        if (files_.isExecutableFile(path)) return path;
+    }
+    return std::nullopt;
 }
 
 }  // namespace brindlet

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/environment.h"
@@ -17,17 +18,32 @@ std::vector<std::string> loginShellPath(const Environment& environment);
 
 class ToolSearchPath {
   public:
-    // `packagesFolder` holds the tools that the program fetched itself, `binariesFolder` those that came with it; a
+    // `packagesFolder` holds the tools that the program fetched itself, `binariesFolders` those that came with it; a
     // folder that does not exist is left out.
-    ToolSearchPath(FileSystem& files, FilePath packagesFolder, FilePath binariesFolder, Environment environment);
+    ToolSearchPath(FileSystem& files, FilePath packagesFolder, std::vector<FilePath> binariesFolders,
+                   Environment environment);
 
-    // The folders joined by ":". The login shell is asked at the first call, once; the rest is looked at anew each time.
+    // In the order in which a tool is looked for. The login shell is asked at the first call, once; the rest is looked
+    // at anew each time.
+    std::vector<std::string> folders();
+    // The folders joined by ":".
     std::string text();
 
+    // Whether one of the folders holds an executable of that name. The login shell is asked only where none of the
+    // other folders does.
+    bool holds(std::string_view tool);
+    // Where a line would find it.
+    std::optional<FilePath> find(std::string_view tool);
+
   private:
+    std::vector<std::string> leadingFolders();
+    std::vector<std::string> trailingFolders();
+    void appendIfThere(std::vector<std::string>& folders, const FilePath& folder);
+    std::optional<FilePath> findIn(const std::vector<std::string>& folders, std::string_view tool);
+
     FileSystem& files_;
     FilePath packagesFolder_;
-    FilePath binariesFolder_;
+    std::vector<FilePath> binariesFolders_;
     Environment environment_;
     std::mutex loginShellGuard_;
     std::optional<std::vector<std::string>> loginShellPath_;

@@ -16,4 +16,11 @@ std::optional<Failure> makeFolders(const FilePath& folder);
 // content stands or the new one. The folder must exist.
 std::optional<Failure> writeFileAtomically(const FilePath& file, std::string_view content, unsigned mode = 0600);
 
+// A new folder (mode 0700) whose name begins with `prefix`, in a folder that must exist. It belongs to the caller.
+Result<FilePath> makeFreshFolder(const FilePath& folder, std::string_view prefix);
+
+// Gives a file that is complete its name for good: fsync, rename over what has that name, fsync of the folder. Both
+// names must be on one disk.
+std::optional<Failure> moveIntoPlace(const FilePath& file, const FilePath& target);
+
 }  // namespace brindlet

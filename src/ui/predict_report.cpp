@@ -6,6 +6,7 @@
 #include <tuple>
 #include <vector>
 
+#include "exec/package_table.h"
 #include "text/enum_rows.h"
 #include "text/strings.h"
 #include "ui/prediction_rows.h"
@@ -23,6 +24,7 @@ struct GlyphRow {
 constexpr GlyphRow glyphRows[] = {
     {"apple.terminal", "❯", "$"},
     {"applescript", "§", "S"},
+    {"arrow.down.circle.fill", "↓", "D"},
     {"arrow.right", "→", ">"},
     {"character.cursor.ibeam", "⌶", "I"},
     {"checkmark", "✓", "v"},
@@ -106,6 +108,28 @@ std::vector<ChangesViewIconAndText> rowsOf(const PredictReport& report) {
     return predictionRows(report.result, report.folder, report.home, report.predictionNeedsInstall);
 }
 
+// What has to be installed first; nothing where all is there.
+std::string requirementsText(const PredictReport& report, const TerminalStyle& style) {
+    const auto packages = availablePackages();
+    const auto package = std::ranges::find(packages, report.missingPackage.value_or(""), &PackageInfo::name);
+    if (package == packages.end()) return "";
+    const std::string name(package->name);
+    std::string text = colored("Requirements:", "bold", style) + '\n';
+    if (report.needsHomebrew)
+        text +=
+            rowText({ChangesViewIcon{"red", "exclamationmark"},
+                     "Manual Homebrew installation is required, then Brindlet can automatically install Homebrew & " +
+                         name + ".",
+                     std::nullopt},
+                    style);
+    const bool isFromHomebrew = package->source == PackageSource::homebrew;
+    const std::string installs = isFromHomebrew ? "Installs with Homebrew" : "Installs locally to Brindlet";
+    text += rowText({ChangesViewIcon{"blue", "arrow.down.circle.fill"}, "Downloads " + name,
+                     std::string(package->description) + "\n" + installs + ": brindlet tools install " + name},
+                    style);
+    return text;
+}
+
 // Ordered by path and then by type, so that two runs print the same text.
 std::vector<PredictedChange> sortedChanges(std::vector<PredictedChange> changes) {
     std::ranges::stable_sort(changes, {}, [](const PredictedChange& predicted) {
@@ -143,7 +167,7 @@ std::string predictionText(const PredictReport& report, const TerminalStyle& sty
     const RiskSummary highest = riskSummary(effects);
     const auto reasons = reasonsToAsk(effects, report.toggles);
 
-    std::string text = colored("Brindlet predicts:", "bold", style) + '\n';
+    std::string text = requirementsText(report, style) + colored("Brindlet predicts:", "bold", style) + '\n';
     for (const auto& row : rowsOf(report)) text += rowText(row, style);
     text += "Risk: " + colored(caseName(highest), rowOf(riskRows, highest).color, style) + '\n';
     if (!reasons.empty()) text += "Asks before running: " + titles(reasons) + '\n';

@@ -25,6 +25,7 @@ struct PredictReport {
     std::set<CommandEffect> toggles;  // what may run without asking
     std::optional<std::string> missingPackage;
     bool predictionNeedsInstall = false;  // the missing package is one without which nothing can be predicted
+    bool needsHomebrew = false;           // it comes from Homebrew, which is missing too
 };
 
 Json toJson(const PredictReport& report);

@@ -151,6 +151,39 @@ TEST(Run, AtATerminalItAsks) {
     }
 }
 
+// What a line prints that shows files is no answer of its own; without a desktop it is told which they are.
+TEST(Run, FilesThatAreToBeSelectedAreCounted) {
+    const Program program;
+    program.disk.write("a.txt", "");
+    const std::string line = "find . -name '*.txt' | finderSelect";
+    const Outcome outcome = program.run({"run", line});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, "Selected 1 items in Finder\n");
+    EXPECT_NE(outcome.err.find("1 item selected: " + program.disk.path("a.txt").text()), std::string::npos)
+        << outcome.err;
+    EXPECT_EQ(program.run({"run", "--json", line}).json()["output"], "Selected 1 items in Finder");
+    const Outcome none = program.run({"run", "find . -name '*.pdf' | finderSelect"});
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_EQ(none.out + none.err, "brindlet: Zero files to select\n");
+}
+
+// The row is drawn while the tool works and is gone at the end, here that of a run that is stopped.
+TEST(Run, AtATerminalABarShowsHowFarItIs) {
+    const Program program;
+    program.disk.write("ffmpeg.sh",
+                       R"(echo "  Duration: 00:01:00.00, start"; printf 'frame=1 time=00:00:15.00\r'; sleep 1000)");
+    const std::vector<std::string> words = {"run", "--yes", "bash ffmpeg.sh"};
+    const Outcome outcome = program.runAtTerminal(words, "25%  frame=1 time=00:00:15.00", "");
+    EXPECT_EQ(outcome.exitCode, 130);
+    EXPECT_NE(outcome.out.find("Duration: 00:01:00.00, start\r\n"), std::string::npos) << outcome.out;
+    const std::size_t cleared = outcome.out.rfind("\r\x1b[K");
+    ASSERT_NE(cleared, std::string::npos);
+    EXPECT_EQ(outcome.out.find('[', cleared + 4), std::string::npos) << outcome.out;
+
+    program.disk.write("ffmpeg.sh", R"(printf 'time=00:00:15.00\r'; echo done)");
+    EXPECT_EQ(program.run(words).out, "time=00:00:15.00\ndone\n");
+}
+
 // Gone, or dead and waiting for whoever looks after orphans here.
 bool endsSoon(pid_t process) {
     for (int tries = 0; tries < 1000; ++tries) {

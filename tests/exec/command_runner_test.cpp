@@ -38,7 +38,7 @@ class CommandRunnerTest : public testing::Test {
     ScratchFolder scratch;
     Environment base{{"FILE_NAME", "of the parent"}, {"LC_ALL", "C.UTF-8"}, {"PATH", "/usr/bin:/bin"}};
     std::unique_ptr<FileSystem> files = openFileSystem();
-    ToolSearchPath searchPath{*files, FilePath("/none"), FilePath("/none"), {{"SHELL", "/bin/false"}}};
+    ToolSearchPath searchPath{*files, FilePath("/none"), {}, {{"SHELL", "/bin/false"}}};
     TrackerChooser chooser;
     std::function<void(std::string_view)> onLine;
     std::function<void(const CommandProgress&)> onProgress;

@@ -65,6 +65,34 @@ TEST(FilePresenting, WhatIsSelectedAndSaid) {
     }
 }
 
+TEST(FilePresenting, WhatIsTooManyOrFromElsewhereGoesIntoTheResultsFolder) {
+    const auto lines = [](int count) {
+        std::string text;
+        for (int number = 0; number < count; ++number) text += std::to_string(number) + "\n";
+        return text;
+    };
+    struct Case {
+        PipelineEnd end;
+        std::string output;
+        bool isSelectedInPlace;
+    };
+    const Case cases[] = {
+        {PipelineEnd::finderSelect, lines(99), true},   {PipelineEnd::finderSelect, lines(100), false},
+        {PipelineEnd::finderSelect, "a\nb/c\n", false}, {PipelineEnd::finderSelect, "a\n../w/b/../c\n", true},
+        {PipelineEnd::finderSelect, ".\n", false},      {PipelineEnd::presentFiles, "b/c\n", true},
+        {PipelineEnd::presentFiles, lines(2), false},
+    };
+    const ScratchFolder scratch;
+    const FilePath results = scratch.path("Brindlet/Results");
+    for (const auto& [end, output, isSelectedInPlace] : cases) {
+        SCOPED_TRACE(output);
+        FakePresenter presenter;
+        presentPaths(end, output, FilePath("/w"), &presenter, results);
+        EXPECT_EQ(!presenter.selected.empty(), isSelectedInPlace);
+        EXPECT_EQ(presenter.opened, isSelectedInPlace ? std::vector<FilePath>{} : std::vector<FilePath>{results});
+    }
+}
+
 TEST(FilePresenting, AResultsFolderHoldsLinksAndIsMadeAnew) {
     const ScratchFolder scratch;
     const FilePath results = scratch.path("made/Results");

@@ -39,6 +39,16 @@ TEST(LineSplitter, ALineWithoutEndIsPassedOnInPieces) {
     EXPECT_EQ(lines, (Lines{"abcabc", "abc"}));
 }
 
+TEST(LineSplitter, LinesThatAreToBeOverwrittenGoTheirOwnWay) {
+    Lines lines;
+    LineSplitter splitter([&](std::string_view line) { lines.emplace_back(line); });
+    splitter.divertOverwritten([&](std::string_view line) { lines.push_back("over " + std::string(line)); });
+    for (const char* bytes : {"a\nb\r\n", "\r10%\r20%\r", "done\nre", "st"}) splitter.feed(bytes);
+    splitter.feed(std::string(20000, 'x') + '\r');  // so much at once that its newline is still to come
+    splitter.finish();
+    EXPECT_EQ(lines, (Lines{"a", "b", "over 10%", "over 20%", "done", "rest" + std::string(20000, 'x')}));
+}
+
 TEST(BoundedOutput, KeepsAllUpToTheLimitAndThenTheBeginningAndTheEnd) {
     const auto outputOf = [](int lines, std::size_t longLine = 0) {
         BoundedOutput output(80);

@@ -19,6 +19,12 @@ std::string shellIn(const ScratchFolder& scratch, std::string_view script) {
     return shell.text();
 }
 
+// On a machine that has Homebrew, its real folder comes second.
+std::string homebrewFolders() {
+    const std::string real = "/home/linuxbrew/.linuxbrew/bin";
+    return "/opt/homebrew/bin:" + (std::filesystem::is_directory(real) ? real + ":" : "");
+}
+
 }  // namespace
 
 TEST(LoginShellPath, TheAnswerBetweenTheMarksElseTheOwnPath) {
@@ -54,14 +60,18 @@ TEST(ToolSearchPath, OrderDuplicatesAndFoldersThatComeLater) {
     const FilePath packages = scratch.path("Packages");
     const FilePath binaries = scratch.path("Binaries");
     const std::string asked = "echo asked >> " + scratch.path().text() + "/log; ";
-    ToolSearchPath searchPath(*files, packages, binaries,
+    ToolSearchPath searchPath(*files, packages, {scratch.path("Own"), binaries},
                               {{"SHELL", shellIn(scratch, asked + "PATH=/x:/bin:/x:/opt/homebrew/bin; eval \"$4\"")}});
-    EXPECT_EQ(searchPath.text(), "/opt/homebrew/bin:/x:/bin:/usr/bin:/usr/sbin:/sbin:/usr/local/bin");
+    const std::string homebrew = homebrewFolders();
+    EXPECT_EQ(searchPath.text(), homebrew + "/x:/bin:/usr/bin:/usr/sbin:/sbin:/usr/local/bin");
 
     scratch.makeFolder("Packages");
     scratch.makeFolder("Binaries");
-    EXPECT_EQ(searchPath.text(), "/opt/homebrew/bin:" + packages.text() +
-                                     ":/x:/bin:/usr/bin:/usr/sbin:/sbin:/usr/local/bin:" + binaries.text());
+    EXPECT_EQ(searchPath.text(),
+              homebrew + packages.text() + ":/x:/bin:/usr/bin:/usr/sbin:/sbin:/usr/local/bin:" + binaries.text());
+    EXPECT_TRUE(searchPath.holds("sh"));
+    EXPECT_FALSE(searchPath.holds("no-such-tool"));
+    EXPECT_EQ(searchPath.find("sh"), FilePath("/bin/sh"));
     EXPECT_EQ(scratch.read("log"), "asked\n");  // the shell is asked once, the folders are looked at each time
 }
 

@@ -87,4 +87,20 @@ std::optional<Failure> writeFileAtomically(const FilePath& file, std::string_vie
     return systemFailure("Can't write '" + file.text() + "'", error);
 }
 
+Result<FilePath> makeFreshFolder(const FilePath& folder, std::string_view prefix) {
+    std::string path = folder.child(std::string(prefix) + "XXXXXX").text();
+    if (::mkdtemp(path.data()) == nullptr)
+        return systemFailure("Can't make a folder in '" + folder.text() + "'", errno);
+    return FilePath(path);
+}
+
+std::optional<Failure> moveIntoPlace(const FilePath& file, const FilePath& target) {
+    const auto failed = [&] { return systemFailure("Can't put '" + target.text() + "' into place", errno); };
+    const FileDescriptor open(::open(file.text().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!open || ::fsync(open.number()) != 0) return failed();
+    if (::rename(file.text().c_str(), target.text().c_str()) != 0) return failed();
+    syncFolder(target.parent());
+    return std::nullopt;
+}
+
 }  // namespace brindlet

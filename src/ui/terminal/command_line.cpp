@@ -35,6 +35,9 @@ constexpr SubcommandRow subcommandRows[] = {
     {"prompt", "Prints what a model would be sent, and sends nothing",
      "brindlet prompt 'make this 300px wide' photo.jpg", makePromptCommand},
     {"settings", "Shows and changes the settings", "brindlet settings allow 'Rename files' on", makeSettingsCommand},
+    {"tools", "Shows the tools that can be installed, installs and removes them", "brindlet tools install FFmpeg",
+     makeToolsCommand},
+    {"history", "Shows the requests so far, and takes some or all away", "brindlet history list", makeHistoryCommand},
     {"log", "Shows the log, or says where it is", "brindlet log show", makeLogCommand},
 };
 

@@ -15,11 +15,21 @@ namespace brindlet {
 
 namespace {
 
-// The tools that came with the program lie beside it in an installed tree: bin/brindlet, libexec/brindlet/.
-FilePath binariesFolder() {
+constexpr std::string_view binariesName = "Binaries";
+// Archives come from here instead, for tests and mirrors.
+constexpr std::string_view packagesBaseURLVariable = "BRINDLET_PACKAGES_BASE_URL";
+
+FilePath packagesFolder() {
+    return dataFolder().child("Packages");
+}
+
+// The tools that came with the program, or that somebody put beside its data. In an installed tree they don't lie among
+// the users' own programs: bin/brindlet, libexec/brindlet/.
+std::vector<FilePath> binariesFolders() {
     std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return FilePath(program.string()).parent().parent().child("libexec").child("brindlet");
+    const FilePath program(std::filesystem::read_symlink("/proc/self/exe", error).string());
+    return {dataFolder().child(binariesName), program.parent().child(binariesName),
+            program.parent().parent().child("libexec").child("brindlet")};
 }
 
 }  // namespace
@@ -94,9 +104,18 @@ void CommandLineContext::startLogging() {
 
 ToolSearchPath& CommandLineContext::searchPath() {
     if (!searchPath_)
-        searchPath_ =
-            std::make_unique<ToolSearchPath>(*files_, dataFolder().child("Packages"), binariesFolder(), environment());
+        searchPath_ = std::make_unique<ToolSearchPath>(*files_, packagesFolder(), binariesFolders(), environment());
     return *searchPath_;
+}
+
+PackageManager& CommandLineContext::packages() {
+    if (packages_) return *packages_;
+    PackageSetup setup{
+        .files = *files_, .searchPath = searchPath(), .packagesFolder = packagesFolder(), .environment = environment()};
+    const auto baseURL = environment().find(packagesBaseURLVariable);
+    if (baseURL != environment().end() && !baseURL->second.empty()) setup.fenwoldPackageBaseURL = baseURL->second;
+    packages_ = std::make_unique<PackageManager>(std::move(setup));
+    return *packages_;
 }
 
 const AnalysisServices& CommandLineContext::analysisServices() {

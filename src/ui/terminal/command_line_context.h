@@ -14,6 +14,7 @@
 
 #include "analysis/basher_analysis.h"
 #include "exec/log_file.h"
+#include "exec/packages.h"
 #include "exec/tool_search_path.h"
 #include "platform/environment.h"
 #include "platform/file_path.h"
@@ -45,6 +46,7 @@ class CommandLineContext {
     // From here on what the program does is logged.
     void startLogging();
     ToolSearchPath& searchPath();
+    PackageManager& packages();
     // All of it lives as long as this context.
     const AnalysisServices& analysisServices();
 
@@ -58,6 +60,7 @@ class CommandLineContext {
     std::optional<SettingsStore> settings_;
     std::unique_ptr<LogFile> log_;
     std::unique_ptr<ToolSearchPath> searchPath_;
+    std::unique_ptr<PackageManager> packages_;
     std::unique_ptr<ReadOnlyLauncher> launcher_;
     std::optional<AnalysisServices> services_;
 };

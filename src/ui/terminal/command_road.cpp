@@ -6,7 +6,9 @@
 #include <algorithm>
 
 #include "exec/command_runner.h"
+#include "exec/file_presenting.h"
 #include "exec/file_variables.h"
+#include "platform/file_presenter.h"
 #include "platform/log.h"
 #include "text/characters.h"
 #include "text/strings.h"
@@ -14,6 +16,7 @@
 #include "ui/prediction_rows.h"
 #include "ui/terminal/exit_code.h"
 #include "ui/terminal/question.h"
+#include "ui/terminal/run_display.h"
 #include "ui/terminal/shown_text.h"
 
 namespace brindlet {
@@ -67,17 +70,12 @@ std::string refusalText(const RoadReport& report) {
     return text + "; --yes runs it without asking";
 }
 
-// What stands for a file manager at a terminal.
-class NoFileManager final : public FilePresenter {
-  public:
-    void selectInFileManager(const std::vector<FilePath>& items) override {
-        reportProblem(fmt::format("a file manager would now show {} selected",
-                                  items.size() == 1 ? "1 item" : fmt::format("{} items", items.size())));
-    }
-    void openFolder(const FilePath& folder) override {
-        reportProblem("a file manager would now open " + folder.text());
-    }
-};
+void logRisk(const std::set<CommandEffect>& effects) {
+    std::set<CommandEffect> telling = effects;
+    telling.erase(CommandEffect::harmless);
+    logInfo(fmt::format("Risk: {}, for effects: {}", caseName(riskSummary(effects)),
+                        telling.empty() ? "harmless" : titlesOf(telling)));
+}
 
 std::string shownPrediction(const RoadReport& report, int stream) {
     constexpr std::string_view runsTexts[] = {
@@ -105,8 +103,9 @@ RoadReport CommandRoad::predicted(const std::string& line, const std::vector<Fil
     RoadReport report;
     report.prediction = predictCommand(line, files, context);
     report.command = trimmed(report.prediction->result.rewrittenCommand);
-    report.reasons =
-        reasonsToAsk(commandEffects(report.prediction->result, context.folder()), report.prediction->toggles);
+    const std::set<CommandEffect> effects = commandEffects(report.prediction->result, context.folder());
+    logRisk(effects);
+    report.reasons = reasonsToAsk(effects, report.prediction->toggles);
     return report;
 }
 
@@ -161,24 +160,18 @@ bool CommandRoad::mayRun(RoadReport& report, const Interruption& interruption) c
 
 void CommandRoad::runNow(RoadReport& report, const std::vector<FilePath>& files, CommandLineContext& context,
                          StandardOutput& output, Interruption& interruption) const {
-    NoFileManager presenter;
-    CommandRunner runner(context.searchPath(), &presenter);
-    std::optional<OutputError> outputError;
-    const auto printLine = [&](std::string_view line) {
-        if (options_.wantsJson || !options_.showsOutput || outputError) return;
-        try {
-            output.write(line);
-            output.write("\n");
-            output.flush();
-        } catch (const OutputError& error) {
-            // Nobody reads any more: the command need not go on either.
-            outputError = error;
-            interruption.request();
-        }
-    };
-    report.runs = runAccepted(report.command, files, context.folder(), context.environment(), runner, printLine,
-                              interruption.token());
-    if (outputError) throw *outputError;
+    const bool printsLines =
+        !options_.wantsJson && options_.showsOutput && pipelineEnd(report.command) == PipelineEnd::none;
+    RunDisplay display({.showsOutput = printsLines, .showsProgress = !options_.wantsJson}, output, interruption);
+    const auto presenter = openFilePresenter(
+        context.environment(), [&display](const std::string& sentence) { display.reportProblem(sentence); });
+    CommandRunner runner(context.searchPath(), presenter.get(), display.trackers());
+    display.follow(runner);
+    report.runs = runAccepted(
+        report.command, files, context.folder(), context.environment(), runner,
+        [&display](std::string_view line) { display.printLine(line); }, interruption.token(),
+        [&display](const CommandProgress& progress) { display.show(progress); });
+    display.finish();
     report.wasStopped = report.runs.wasCancelled;
     if (report.wasStopped) report.state = EndState::enteringPrompt;
 }
@@ -188,6 +181,9 @@ void CommandRoad::tell(const RoadReport& report, StandardOutput& output) const {
         output.write(jsonText(toJson(report)) + "\n");
     } else {
         if (report.summary) output.write(*report.summary + "\n");
+        // Its lines are the names of files, and what was done with them is the output.
+        if (options_.showsOutput && pipelineEnd(report.command) != PipelineEnd::none && !report.runs.output.empty())
+            output.write(report.runs.output + (report.runs.output.ends_with('\n') ? "" : "\n"));
         if (report.error) reportProblem(*report.error);
         for (const std::string& message : report.runs.failureMessages) reportProblem(message);
     }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "exec/file_variables.h"
+#include "platform/log.h"
 
 namespace brindlet {
 
@@ -32,11 +33,20 @@ bool hasTooManyFiles(std::string_view command, const std::vector<FilePath>& file
 
 CommandRunSummary runAccepted(const std::string& command, const std::vector<FilePath>& files, const FilePath& folder,
                               const Environment& environment, CommandRunner& runner,
-                              const std::function<void(std::string_view line)>& onLine, const std::stop_token& stop) {
+                              const std::function<void(std::string_view line)>& onLine, const std::stop_token& stop,
+                              const std::function<void(const CommandProgress&)>& onProgress) {
     CommandRunSummary summary;
-    for (const std::vector<FilePath>& selection : selections(command, files)) {
-        auto result = runner.run(
-            command, selection, folder, environment, onLine, [](const CommandProgress&) {}, stop);
+    const auto runsToDo = selections(command, files);
+    const auto total = static_cast<double>(runsToDo.size());
+    const auto report = [&](const CommandProgress& progress) {
+        if (const auto* line = std::get_if<OutputLine>(&progress)) logInfo("COMMAND OUTPUT: " + line->text);
+        const auto* norm = std::get_if<ProgressNorm>(&progress);
+        if (!onProgress) return;
+        onProgress(norm ? ProgressNorm{(static_cast<double>(summary.runs) + norm->value) / total} : progress);
+    };
+    for (const std::vector<FilePath>& selection : runsToDo) {
+        if (runsToDo.size() > 1) report(ProgressNorm{0});
+        auto result = runner.run(command, selection, folder, environment, onLine, report, stop);
         if (!result || stop.stop_requested()) {
             summary.wasCancelled = true;
             break;

@@ -29,9 +29,11 @@ inline constexpr std::string_view tooManyFilesText =
     "Sorry, Brindlet can't process more than 100 files at once with 'SPACE_SEPARATED_FILE_NAMES'";
 
 // A line for each file does not run at all without files. A run that fails does not keep the next from running; `stop`
-// does. `onLine` gets each line of output as it comes.
+// does. `onLine` gets each line of output as it comes, `onProgress` the progress of all runs together; its lines are
+// logged.
 CommandRunSummary runAccepted(const std::string& command, const std::vector<FilePath>& files, const FilePath& folder,
                               const Environment& environment, CommandRunner& runner,
-                              const std::function<void(std::string_view line)>& onLine, const std::stop_token& stop);
+                              const std::function<void(std::string_view line)>& onLine, const std::stop_token& stop,
+                              const std::function<void(const CommandProgress&)>& onProgress = nullptr);
 
 }  // namespace brindlet

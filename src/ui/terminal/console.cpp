@@ -52,6 +52,8 @@ void prepareStandardStreams() {
     action.sa_handler = [](int) {};
     action.sa_flags = SA_RESTART;
     ::sigaction(SIGPIPE, &action, nullptr);
+    // A file that may not grow further is to be reported like a full disk.
+    ::sigaction(SIGXFSZ, &action, nullptr);
 }
 
 void writeTo(int descriptor, std::string_view text) {

@@ -28,8 +28,9 @@ class StandardOutput {
 };
 
 // Standard descriptors that the caller closed are opened on /dev/null, so that no file of ours takes their numbers; a
-// reader that goes away becomes EPIPE instead of ending the program, which may have a child to look after. What this
-// process starts has the usual meaning of both again.
+// reader that goes away becomes EPIPE instead of ending the program, which may have a child to look after, and a file
+// that is too large for the limits of the session EFBIG. What this process starts has the usual meaning of all of them
+// again.
 void prepareStandardStreams();
 
 // As it stands, unbuffered, to a stream that people read. Nobody can be told if it fails.

@@ -22,6 +22,14 @@ AnalysisResult analyze(const std::string& command, RunMode mode, const std::vect
                           context.analysisServices());
 }
 
+void noteMissingPackage(PredictReport& report, const PackageManager& packages) {
+    report.missingPackage = packages.firstMissingPackage(report.result.requiredPackages);
+    if (!report.missingPackage) return;
+    const PackageInfo* package = packages.packageNamed(*report.missingPackage);
+    report.predictionNeedsInstall = package->requiresInstallForPrediction;
+    report.needsHomebrew = package->source == PackageSource::homebrew && !packages.brewPath();
+}
+
 // The locale's character set, by the variables that decide it (POSIX.1-2017, 8.2).
 bool localeIsUtf8() {
     for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
@@ -47,6 +55,7 @@ PredictReport predictCommand(const std::string& command, const std::vector<FileP
                          .toggles = AnalysisConfirmationToggleList(context.settings()).toggles(),
                          .missingPackage = std::nullopt,
                          .predictionNeedsInstall = false};
+    if (!report.result.requiredPackages.empty()) noteMissingPackage(report, context.packages());
     logInfo("REWRITTEN COMMAND: " + report.result.rewrittenCommand);
     return report;
 }

@@ -35,7 +35,11 @@ class PromptSubcommand final : public Subcommand {
         const ModelPace pace = ModelPace::normal;
         const auto categories = search.similarCategories(request, files, categoryLimit(pace));
         std::optional<std::string> system;
-        if (!quick || isForced_) system = composeSystemPrompt(request, pace, files, {search, context.files(), {}});
+        if (!quick || isForced_) {
+            const std::set<std::string> commands = context.packages().availableCommands();
+            system = composeSystemPrompt(request, pace, files,
+                                         {search, context.files(), {commands.begin(), commands.end()}});
+        }
         const std::string user = std::string(userPromptPrefix) + request;
         if (wantsJson_)
             output.write(jsonText(report(quick, categories, system, user)) + "\n");

@@ -34,6 +34,8 @@ std::unique_ptr<Subcommand> makeSummarizeCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeQuickCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makePromptCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeSettingsCommand(CLI::App& app);
+std::unique_ptr<Subcommand> makeToolsCommand(CLI::App& app);
+std::unique_ptr<Subcommand> makeHistoryCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeLogCommand(CLI::App& app);
 
 }  // namespace brindlet

@@ -1,0 +1,69 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "end_to_end/program.h"
+#include "support/asset_server.h"
+
+namespace brindlet {
+namespace {
+
+// Whether the list says so of the tool.
+bool isListedAs(const Program& program, std::string_view name, const char* state) {
+    const auto list = program.run({"tools", "list", "--json"}).json();
+    for (const auto& tool : list["tools"])
+        if (tool["name"] == name) return tool[state].get<bool>();
+    ADD_FAILURE() << name << " is not in the list";
+    return false;
+}
+
+TEST(Tools, InstallsAndRemoves) {
+    Program program;
+    const std::string makeArchive =
+        "cd " + program.disk.path().text() + " && echo > fiotraf && chmod 755 fiotraf && zip -q archive.zip fiotraf";
+    ASSERT_EQ(std::system(makeArchive.c_str()), 0);
+    AssetServer server({{"/fiotraf.zip", {.body = program.disk.read("archive.zip")}}});
+    program.environment["BRINDLET_PACKAGES_BASE_URL"] = server.url();
+    // The program's own one lies beside it, which isn't to be installed.
+    EXPECT_FALSE(isListedAs(program, "Fiotraf", "installed"));
+    EXPECT_TRUE(isListedAs(program, "Fiotraf", "available"));
+
+    EXPECT_EQ(program.run({"tools", "install", "fiotraf"}).out, "Fiotraf is installed\n");
+    EXPECT_TRUE(isListedAs(program, "Fiotraf", "installed"));
+    EXPECT_TRUE(program.home.exists("data/Packages/fiotraf"));
+    EXPECT_EQ(program.run({"tools", "install", "Fiotraf"}).out, "Fiotraf was installed already\n");
+    EXPECT_EQ(program.run({"tools", "uninstall", "Fiotraf"}).out, "Fiotraf is removed\n");
+    EXPECT_FALSE(isListedAs(program, "Fiotraf", "installed"));
+
+    const Outcome failed = program.run({"tools", "install", "FFmpeg"});
+    EXPECT_EQ(failed.err, "brindlet: Download failed: server status code: 404\n");
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_EQ(program.run({"tools", "install", "Nothing"}).err, "brindlet: Package not found\n");
+    EXPECT_EQ(program.run({"tools", "install"}).exitCode, 2);
+}
+
+TEST(Tools, CtrlCEndsTheDownload) {
+    Program program;
+    AssetServer server({{"/ffmpeg.zip", {.body = "begin", .announcedLength = 10, .hangs = true}}});
+    program.environment["BRINDLET_PACKAGES_BASE_URL"] = server.url();
+    program.environment["TMPDIR"] = program.disk.makeFolder("tmp").text();
+    const Outcome cancelled = program.runAtTerminal({"tools", "install", "FFmpeg"}, "Downloading FFmpeg...", "");
+    EXPECT_EQ(cancelled.exitCode, 130);
+    EXPECT_EQ(program.names("tmp"), "");
+}
+
+TEST(Tools, APredictionSaysWhatIsMissing) {
+    const Program program;
+    program.disk.write("a.md", "");
+    const std::vector<std::string> line{"predict", "--json", "pandoc a.md -o a.docx"};
+    const auto before = program.run(line).json();
+    EXPECT_EQ(before["requiredPackages"], nlohmann::json::array({"Pandoc"}));
+    EXPECT_EQ(before["missingPackage"].is_null(), isListedAs(program, "Pandoc", "available"));
+    const FilePath tool = program.home.write("data/Binaries/pandoc", "#!/bin/sh\n");
+    std::filesystem::permissions(tool.text(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(program.run(line).json()["missingPackage"], nullptr);
+    EXPECT_TRUE(isListedAs(program, "Pandoc", "available"));
+}
+
+}  // namespace
+}  // namespace brindlet
