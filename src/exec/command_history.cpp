@@ -15,6 +15,7 @@
 #include "platform/atomic_file.h"
 #include "platform/file_lock.h"
 #include "platform/file_system.h"
+#include "text/characters.h"
 #include "text/strings.h"
 
 namespace brindlet {
@@ -172,6 +173,17 @@ std::string historyText(const std::vector<AICommand>& commands) {
     for (const AICommand& command : commands) list.push_back(toJson(command));
     // Bytes that are no UTF-8 can't stand in JSON; they are replaced rather than the rest lost.
     return list.dump(2, ' ', false, HistoryJson::error_handler_t::replace) + "\n";
+}
+
+std::vector<AICommand> withEntered(std::vector<AICommand> history, AICommand command) {
+    const std::string prompt = lowercased(command.prompt), line = lowercased(command.bashCommand);
+    std::erase_if(history, [&](const AICommand& other) {
+        return lowercased(other.prompt) == prompt || lowercased(other.bashCommand) == line;
+    });
+    history.push_back(std::move(command));
+    if (history.size() > maxHistoryOfPrompts)
+        history.erase(history.begin(), history.end() - static_cast<std::ptrdiff_t>(maxHistoryOfPrompts));
+    return history;
 }
 
 CommandHistoryStore::CommandHistoryStore(const FilePath& folder, SettingsStore& settings)

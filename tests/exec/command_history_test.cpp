@@ -350,5 +350,19 @@ TEST(CommandHistory, IsWholeWheneverTheWriterIsKilled) {
     EXPECT_GT(last, 0);
 }
 
+TEST(CommandHistory, AnEntryTakesThePlaceOfItsLike) {
+    const auto entry = [](std::string prompt, std::string line) {
+        return AICommand{.id = newUuid(), .bashCommand = std::move(line), .prompt = std::move(prompt)};
+    };
+    std::vector<AICommand> history{entry("ZIP", "a"), entry("x", "ls"), entry("y", "b")};
+    history = withEntered(std::move(history), entry("zip", "LS"));
+    ASSERT_EQ(history.size(), 2u);
+    EXPECT_EQ(history.front().prompt, "y");
+    for (int count = 0; count < 150; ++count)
+        history = withEntered(std::move(history), entry(std::to_string(count), "c" + std::to_string(count)));
+    ASSERT_EQ(history.size(), maxHistoryOfPrompts);
+    EXPECT_EQ(history.front().prompt, "50");
+}
+
 }  // namespace
 }  // namespace brindlet

@@ -1,6 +1,9 @@
 #include "ai/answer_cleaning.h"
+#include "exec/command_history.h"
+#include "platform/environment.h"
 #include "platform/log.h"
 #include "prompts/quick_commands.h"
+#include "text/characters.h"
 #include "text/strings.h"
 #include "ui/terminal/arguments.h"
 #include "ui/terminal/command_road.h"
@@ -14,6 +17,9 @@ namespace {
 constexpr std::string_view noModelText =
     "No quick rule answers this request, and no model can be asked yet: say it as 'to png', 'zip' or 'size', or run a "
     "line of bash with 'brindlet run'";
+
+constexpr std::size_t tooManyCharacters = 250;
+constexpr std::string_view tooLongText = "Sorry, please keep keep your request shorter";
 
 class AskCommand final : public Subcommand {
   public:
@@ -38,9 +44,13 @@ class AskCommand final : public Subcommand {
         const CommandRoad road(options_);
         const std::optional<QuickCommand> quick = quickCommand(request, files);
         RoadReport report;
-        if (quick) {
+        if (characterCount(request) >= tooManyCharacters) {
+            report.present(std::string(tooLongText));
+        } else if (quick) {
             logInfo("MANUALLY PARSED COMMAND, GENERATED: " + quick->command);
-            report = CommandRoad::predicted(cleanedAnswer(quick->command), files, context);
+            const std::string line = cleanedAnswer(quick->command);
+            report = CommandRoad::predicted(line, files, context);
+            if (!options_.isDryRun) enterInHistory(request, line, report, context);
             road.decide(report, files, context, output);
             if (report.ran() && !report.wasStopped) summarize(*quick, request, files, report);
         } else {
@@ -52,6 +62,18 @@ class AskCommand final : public Subcommand {
     }
 
   private:
+    static void enterInHistory(const std::string& request, const std::string& line, const RoadReport& report,
+                               CommandLineContext& context) {
+        CommandHistoryStore history(dataFolder(), context.settings());
+        history.loadOrMigrateHistory();
+        history.saveHistory(
+            withEntered(history.commandHistory(), {.id = newUuid(),
+                                                   .bashCommand = report.command,
+                                                   .prompt = request,
+                                                   .messages = {{AIRole::user, request}, {AIRole::assistant, line}},
+                                                   .requiredPackages = report.prediction->result.requiredPackages}));
+    }
+
     static void summarize(const QuickCommand& quick, const std::string& request, const std::vector<FilePath>& files,
                           RoadReport& report) {
         report.summary = quick.summarize({request, report.command, files, std::string(trimmed(report.runs.output)),
