@@ -1,9 +1,11 @@
-// Predictions in process, none of which launches a tool, beside the parse of the same lines.
+// Predictions in process, beside the parse of the same lines. But for the last two none launches a tool: those show
+// what the simulation adds to a real `find` and a real `unzip`, which are measured beside them.
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -67,6 +69,28 @@ BENCHMARK_CAPTURE(predict, loop_of_many, "for f in *.jpg; do mv \"$f\" \"${f%.jp
 BENCHMARK_CAPTURE(predict, deep_overlay,
                   "for n in 1 2 3 4 5; do for f in IMG_000*.jpg; do mv \"$f\" t; mv t \"$f\"; done; done", 100)
     ->Unit(benchmark::kMillisecond);
+
+BENCHMARK_CAPTURE(predict, find_exec_on_many, R"(find . -name '*.jpg' -exec sips -Z 100 {} \;)", many)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+void toolAlone(benchmark::State& state, const std::string& line, int fileCount) {
+    const Folder folder(fileCount);
+    const std::string inFolder = "cd '" + folder.path().text() + "' && " + line + " >/dev/null";
+    for (auto _ : state) benchmark::DoNotOptimize(std::system(inFolder.c_str()));
+}
+BENCHMARK_CAPTURE(toolAlone, find_many, "find . -name '*.jpg'", many)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void predictUnzip(benchmark::State& state, int fileCount) {
+    const Folder folder(fileCount);
+    const std::string pack = "cd '" + folder.path().text() + "' && zip -q many.zip *.jpg -x many.zip && rm *.jpg";
+    if (std::system(pack.c_str()) != 0) return state.SkipWithError("zip is not installed");
+    Setting setting;
+    const std::vector<Environment> once{processEnvironment()};
+    for (auto _ : state)
+        benchmark::DoNotOptimize(analyzeRequest("unzip many.zip", folder.path(), once, setting.services));
+}
+BENCHMARK_CAPTURE(predictUnzip, of_many, many)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void parseAlone(benchmark::State& state, const std::string& line) {
     for (auto _ : state) benchmark::DoNotOptimize(Basher(line).parse());
