@@ -1,5 +1,5 @@
 # brindlet_unity(TARGET): its sources are compiled several at a time, since reading the headers is what takes long. Names in
-# the unnamed namespaces of a layer are different for that.
+# the unnamed namespaces of a layer are different for that, and each test has a namespace of its own.
 function(brindlet_unity target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
 endfunction()
@@ -33,6 +33,7 @@ function(brindlet_tests folder)
     return()
   endif()
   add_executable(${name}_tests ${sources})
+  brindlet_unity(${name}_tests)
   target_include_directories(${name}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name}_tests PRIVATE ${ARG_LINKS} GTest::gtest GTest::gtest_main)
   gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)

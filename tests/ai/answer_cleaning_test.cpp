@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 namespace brindlet {
-namespace {
+namespace answer_cleaning_tests {
 
 TEST(AnswerCleaning, OneLineOfBash) {
     const struct {
@@ -28,5 +28,5 @@ TEST(AnswerCleaning, OneLineOfBash) {
     for (const auto& [answer, expected] : rows) EXPECT_EQ(cleanedAnswer(answer), expected) << answer;
 }
 
-}  // namespace
+}  // namespace answer_cleaning_tests
 }  // namespace brindlet

@@ -6,7 +6,7 @@
 #include "model_rows.h"
 
 namespace brindlet {
-namespace {
+namespace archives_tests {
 
 const std::initializer_list<std::string_view> disk = {"a.tar", "a.tgz", "a.zip", "a",        "b",   "dir/x",   "out/",
                                                       "a.txt", "b.gz",  "back",  "back.zip", "c:d", "only.zip"};
@@ -336,5 +336,5 @@ TEST(Archives, RealTools) {
     });
 }
 
-}  // namespace
+}  // namespace archives_tests
 }  // namespace brindlet

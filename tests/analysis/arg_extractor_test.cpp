@@ -5,7 +5,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace arg_extractor_tests {
 
 using Words = std::vector<std::string>;
 using Style = ArgExtractor::Style;
@@ -154,5 +154,5 @@ TEST(ArgExtractorDeathTest, StylesThatAnOperationCannotRead) {
                  "doubleHyphenEquals style is not currently supported for extractOptionsAtStart");
 }
 
-}  // namespace
+}  // namespace arg_extractor_tests
 }  // namespace brindlet

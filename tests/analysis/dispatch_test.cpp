@@ -3,7 +3,7 @@
 #include "support/predict.h"
 
 namespace brindlet {
-namespace {
+namespace dispatch_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -200,5 +200,5 @@ TEST(TextOutput, WordsOfTheLine) {
     }
 }
 
-}  // namespace
+}  // namespace dispatch_tests
 }  // namespace brindlet

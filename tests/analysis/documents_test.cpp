@@ -8,7 +8,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace documents_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -351,5 +351,5 @@ TEST(Documents, RealToolsOnlyRead) {
     });
 }
 
-}  // namespace
+}  // namespace documents_tests
 }  // namespace brindlet

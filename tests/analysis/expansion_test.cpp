@@ -3,7 +3,7 @@
 #include "support/predict.h"
 
 namespace brindlet {
-namespace {
+namespace expansion_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -124,5 +124,5 @@ TEST(Arithmetic, ValuesAndExitCodes) {
     EXPECT_TRUE(predict(smallest, disk).analysisError);  // a sign is no part of an operand
 }
 
-}  // namespace
+}  // namespace expansion_tests
 }  // namespace brindlet

@@ -8,7 +8,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace ffmpeg_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -221,5 +221,5 @@ TEST(FFmpeg, NothingIsHidden) {
                {"create log.txt", "create out.mp4"}});
 }
 
-}  // namespace
+}  // namespace ffmpeg_tests
 }  // namespace brindlet

@@ -4,7 +4,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace file_commands_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -390,5 +390,5 @@ TEST(FileCommands, ListIsReallyRun) {
                                                     "interim simulated changes"}));
 }
 
-}  // namespace
+}  // namespace file_commands_tests
 }  // namespace brindlet

@@ -5,7 +5,7 @@
 #include "model_rows.h"
 
 namespace brindlet {
-namespace {
+namespace find_tests {
 
 const std::initializer_list<std::string_view> disk = {"a.x", "b.x", "s/c.x", "full/y", "dest/"};
 
@@ -204,5 +204,5 @@ TEST(Find, RealTool) {
     });
 }
 
-}  // namespace
+}  // namespace find_tests
 }  // namespace brindlet

@@ -12,7 +12,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace hostile_filters_tests {
 
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
@@ -180,5 +180,5 @@ TEST(HostileFilters, WhatOnlyReadsEndsInTime) {
     expectRows(rows, false);
 }
 
-}  // namespace
+}  // namespace hostile_filters_tests
 }  // namespace brindlet

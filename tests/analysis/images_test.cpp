@@ -8,7 +8,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace images_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -288,5 +288,5 @@ TEST(Images, ToolsThatWriteAreHeldBack) {
     });
 }
 
-}  // namespace
+}  // namespace images_tests
 }  // namespace brindlet

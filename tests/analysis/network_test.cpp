@@ -3,7 +3,7 @@
 #include "model_rows.h"
 
 namespace brindlet {
-namespace {
+namespace network_tests {
 
 std::string mayWrite(const std::string& path) {
     return "unknownFileChanges: 'curl' may also write '" + path + "', which isn't shown here";
@@ -110,5 +110,5 @@ TEST(Ping, EndsByItself) {
     }
 }
 
-}  // namespace
+}  // namespace network_tests
 }  // namespace brindlet

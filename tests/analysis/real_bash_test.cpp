@@ -9,7 +9,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace real_bash_tests {
 
 void fill(const ScratchFolder& folder) {
     for (const char* name : {"a.txt", "b.txt", "c d.txt", "1.jpg", "sub/x", "sub/deep/y"}) folder.write(name, name);
@@ -94,5 +94,5 @@ TEST(Prediction, IsWhatBashDoes) {
     }
 }
 
-}  // namespace
+}  // namespace real_bash_tests
 }  // namespace brindlet

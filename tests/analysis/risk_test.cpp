@@ -6,7 +6,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace risk_tests {
 
 using enum CommandEffect;
 using Effects = std::set<CommandEffect>;
@@ -145,5 +145,5 @@ TEST(ToggleLevels, EachAllowsMore) {
     EXPECT_EQ(AnalysisConfirmationToggleList::togglesOfLevel(9), allEffects);
 }
 
-}  // namespace
+}  // namespace risk_tests
 }  // namespace brindlet

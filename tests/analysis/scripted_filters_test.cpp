@@ -11,7 +11,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace scripted_filters_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -244,5 +244,5 @@ TEST(Awk, Model) {
                "highRisk: awk inline program contains dangerous feature: output redirection to single-quoted filename");
 }
 
-}  // namespace
+}  // namespace scripted_filters_tests
 }  // namespace brindlet

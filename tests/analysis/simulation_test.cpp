@@ -4,7 +4,7 @@
 #include "support/predict.h"
 
 namespace brindlet {
-namespace {
+namespace simulation_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -142,5 +142,5 @@ TEST(Simulation, Limits) {
               "simulationError: The braces make too many words to simulate");
 }
 
-}  // namespace
+}  // namespace simulation_tests
 }  // namespace brindlet

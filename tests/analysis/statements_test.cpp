@@ -3,7 +3,7 @@
 #include "support/predict.h"
 
 namespace brindlet {
-namespace {
+namespace statements_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -171,5 +171,5 @@ TEST(BlindSpots, AreSaid) {
     }
 }
 
-}  // namespace
+}  // namespace statements_tests
 }  // namespace brindlet

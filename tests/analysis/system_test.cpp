@@ -5,7 +5,7 @@
 #include "model_rows.h"
 
 namespace brindlet {
-namespace {
+namespace system_tests {
 
 const std::initializer_list<std::string_view> disk{"a", "b", "folder/", "run.command", "script.scpt", "x y"};
 
@@ -427,5 +427,5 @@ TEST(SystemCommands, RealToolsOnlyRead) {
     });
 }
 
-}  // namespace
+}  // namespace system_tests
 }  // namespace brindlet

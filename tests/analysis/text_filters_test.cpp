@@ -4,7 +4,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace text_filters_tests {
 
 using Texts = std::vector<std::string>;
 
@@ -357,5 +357,5 @@ TEST(TextFilters, Read) {
                "highRisk: 'read' evaluates 'x[$(rm a)]', and would run a command inside it, which isn't simulated");
 }
 
-}  // namespace
+}  // namespace text_filters_tests
 }  // namespace brindlet

@@ -6,7 +6,7 @@
 #include "model_rows.h"
 
 namespace brindlet {
-namespace {
+namespace xargs_tests {
 
 const std::initializer_list<std::string_view> disk = {"a", "b", "c", "a b", "f/"};
 
@@ -143,5 +143,5 @@ TEST(Xargs, HostileSizes) {
                       row(input, "xargs true", {})});
 }
 
-}  // namespace
+}  // namespace xargs_tests
 }  // namespace brindlet

@@ -8,7 +8,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace animated_gif_tests {
 
 // Where the tool lies in the tree; the build says it.
 #ifdef BRINDLET_TOOLS
@@ -150,5 +150,5 @@ TEST_F(AnimatedGif, ASignalLeavesNothing) {
     EXPECT_EQ(itemsThere(), 1U);
 }
 
-}  // namespace
+}  // namespace animated_gif_tests
 }  // namespace brindlet

@@ -6,7 +6,7 @@
 #include "end_to_end/program.h"
 
 namespace brindlet {
-namespace {
+namespace command_line_tests {
 
 TEST(CommandLine, WrongUsageIsOneHelpfulLine) {
     Program program;
@@ -135,5 +135,5 @@ TEST(Log, HoldsWhatRunsAndOnlyThat) {
     EXPECT_NE(program.run({"log", "show"}).out.find("Command output was pure echo: Done"), std::string::npos);
 }
 
-}  // namespace
+}  // namespace command_line_tests
 }  // namespace brindlet

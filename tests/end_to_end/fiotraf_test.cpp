@@ -14,7 +14,7 @@
 #include "platform/read_only_launcher.h"
 
 namespace brindlet {
-namespace {
+namespace fiotraf_tests {
 
 using Words = std::vector<std::string>;
 
@@ -252,5 +252,5 @@ TEST(Fiotraf, HappensAsPredicted) {
     EXPECT_EQ(files(program.disk), expected);
 }
 
-}  // namespace
+}  // namespace fiotraf_tests
 }  // namespace brindlet

@@ -4,7 +4,7 @@
 #include "end_to_end/program.h"
 
 namespace brindlet {
-namespace {
+namespace history_tests {
 
 using Json = nlohmann::ordered_json;
 
@@ -19,8 +19,6 @@ std::string storedPrompts(const Program& program) {
         prompts += command["prompt"].get<std::string>() + "|";
     return prompts;
 }
-
-}  // namespace
 
 TEST(History, ListsShowsAndRemoves) {
     const Program program;
@@ -68,4 +66,5 @@ TEST(History, IsClearedOnceSomebodySaysYes) {
     EXPECT_EQ(program.run({"history", "clear", "--yes"}).exitCode, 0);
 }
 
+}  // namespace history_tests
 }  // namespace brindlet

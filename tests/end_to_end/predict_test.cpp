@@ -4,7 +4,7 @@
 #include "end_to_end/program.h"
 
 namespace brindlet {
-namespace {
+namespace predict_tests {
 
 using Json = nlohmann::ordered_json;
 
@@ -147,5 +147,5 @@ TEST(Glob, PrintsWhatMatches) {
     EXPECT_NE(program.run({"glob", "[a"}).err, "");
 }
 
-}  // namespace
+}  // namespace predict_tests
 }  // namespace brindlet

@@ -3,7 +3,7 @@
 #include "end_to_end/program.h"
 
 namespace brindlet {
-namespace {
+namespace quick_tests {
 
 TEST(Quick, AnswersOrSaysThatNoRuleDoes) {
     const Program program;
@@ -59,5 +59,5 @@ TEST(Ask, TheWholeRoadWithoutAModel) {
               "🔠 Character count: 12\n");
 }
 
-}  // namespace
+}  // namespace quick_tests
 }  // namespace brindlet

@@ -8,7 +8,7 @@
 #include "end_to_end/program.h"
 
 namespace brindlet {
-namespace {
+namespace run_tests {
 
 using Json = nlohmann::ordered_json;
 
@@ -209,5 +209,5 @@ TEST(Run, AnInterruptionEndsTheCommandWithItsChildren) {
     EXPECT_EQ(program.runAtTerminal({"run", "rm a"}, "stops", "").exitCode, 130);
 }
 
-}  // namespace
+}  // namespace run_tests
 }  // namespace brindlet

@@ -6,7 +6,7 @@
 #include "support/asset_server.h"
 
 namespace brindlet {
-namespace {
+namespace tools_tests {
 
 // Whether the list says so of the tool.
 bool isListedAs(const Program& program, std::string_view name, const char* state) {
@@ -65,5 +65,5 @@ TEST(Tools, APredictionSaysWhatIsMissing) {
     EXPECT_TRUE(isListedAs(program, "Pandoc", "available"));
 }
 
-}  // namespace
+}  // namespace tools_tests
 }  // namespace brindlet

@@ -14,7 +14,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace command_history_tests {
 
 const std::string uuidStart = "00000000-0000-4000-8000-00000000000";
 
@@ -364,5 +364,5 @@ TEST(CommandHistory, AnEntryTakesThePlaceOfItsLike) {
     EXPECT_EQ(history.front().prompt, "50");
 }
 
-}  // namespace
+}  // namespace command_history_tests
 }  // namespace brindlet

@@ -11,7 +11,7 @@
 
 namespace brindlet {
 
-namespace {
+namespace command_runner_tests {
 
 struct FakeTracker final : ProgressTracker {
     std::function<void()> onElapsed;
@@ -49,8 +49,6 @@ std::string scriptFor(std::string_view command, const std::vector<FilePath>& fil
     const FilePath folder("/w");
     return CommandRunner::script(command, "/a:/b", environmentWithFiles({}, files, folder), files, folder);
 }
-
-}  // namespace
 
 TEST(CommandRunnerScript, ExactTexts) {
     const std::vector<FilePath> none;
@@ -217,4 +215,5 @@ TEST(PureEcho, OnlyOneQuotedLiteral) {
     for (const auto& [command, text] : cases) EXPECT_EQ(pureEchoText(command), text) << command;
 }
 
+}  // namespace command_runner_tests
 }  // namespace brindlet

@@ -8,7 +8,7 @@
 
 namespace brindlet {
 
-namespace {
+namespace file_presenting_tests {
 
 struct FakePresenter final : FilePresenter {
     std::vector<FilePath> selected;
@@ -16,8 +16,6 @@ struct FakePresenter final : FilePresenter {
     void selectInFileManager(const std::vector<FilePath>& items) override { selected = items; }
     void openFolder(const FilePath& folder) override { opened.push_back(folder); }
 };
-
-}  // namespace
 
 TEST(FilePresenting, TheEndIsCutOffOnlyWhereItIsTheEnd) {
     struct Case {
@@ -107,4 +105,5 @@ TEST(FilePresenting, AResultsFolderHoldsLinksAndIsMadeAnew) {
     EXPECT_EQ(std::filesystem::read_symlink(results.child("b").text()), "/two/b");
 }
 
+}  // namespace file_presenting_tests
 }  // namespace brindlet

@@ -10,7 +10,7 @@
 
 namespace brindlet {
 
-namespace {
+namespace log_file_tests {
 
 using std::chrono::hours;
 using std::chrono::minutes;
@@ -43,8 +43,6 @@ class LogFileTest : public testing::Test {
     system_clock::time_point now = system_clock::from_time_t(evening);
     LogFile log{folder, [this] { return now; }};
 };
-
-}  // namespace
 
 TEST_F(LogFileTest, LinesOfOneDayInOneFileByLocalDate) {
     log.write(LogLevel::info, "one\ntwo");
@@ -89,4 +87,5 @@ TEST_F(LogFileTest, AFailureIsPrintedOnceAndTheCallerGoesOn) {
     EXPECT_EQ(log.latestLogFile(), folder);
 }
 
+}  // namespace log_file_tests
 }  // namespace brindlet

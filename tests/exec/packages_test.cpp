@@ -11,7 +11,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace packages_tests {
 
 using Names = std::set<std::string>;
 
@@ -303,5 +303,5 @@ TEST(Packages, ACancelledInstallationLeavesNothing) {
     }
 }
 
-}  // namespace
+}  // namespace packages_tests
 }  // namespace brindlet

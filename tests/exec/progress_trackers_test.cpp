@@ -9,7 +9,7 @@
 
 namespace brindlet {
 
-namespace {
+namespace progress_trackers_tests {
 
 // A report as text: the line in quotes, or the fraction by four digits.
 class Reports {
@@ -58,8 +58,6 @@ void expectSteps(ProgressTracker& tracker, const std::vector<Step>& steps) {
 
 constexpr std::string_view curlHeading =
     "  % Total    % Received % Xferd  Average Speed   Time    Time     Time  Current";
-
-}  // namespace
 
 TEST(ProgressTrackers, TheChoiceGoesByTheFirstWordThatIsThere) {
     struct Case {
@@ -216,4 +214,5 @@ TEST(ProgressTrackers, AnimatedGif) {
     EXPECT_TRUE(Reports(atOnce).after(0).empty());
 }
 
+}  // namespace progress_trackers_tests
 }  // namespace brindlet

@@ -8,7 +8,7 @@
 
 namespace brindlet {
 
-namespace {
+namespace tool_search_path_tests {
 
 using Folders = std::vector<std::string>;
 
@@ -24,8 +24,6 @@ std::string homebrewFolders() {
     const std::string real = "/home/linuxbrew/.linuxbrew/bin";
     return "/opt/homebrew/bin:" + (std::filesystem::is_directory(real) ? real + ":" : "");
 }
-
-}  // namespace
 
 TEST(LoginShellPath, TheAnswerBetweenTheMarksElseTheOwnPath) {
     struct Case {
@@ -75,4 +73,5 @@ TEST(ToolSearchPath, OrderDuplicatesAndFoldersThatComeLater) {
     EXPECT_EQ(scratch.read("log"), "asked\n");  // the shell is asked once, the folders are looked at each time
 }
 
+}  // namespace tool_search_path_tests
 }  // namespace brindlet

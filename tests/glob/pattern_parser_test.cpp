@@ -8,7 +8,7 @@
 #include "text/overloaded.h"
 
 namespace brindlet {
-namespace {
+namespace pattern_parser_tests {
 
 using Options = Pattern::Options;
 using Kind = PatternParsingError::Kind;
@@ -231,5 +231,5 @@ TEST(Pattern, ComparesSectionsAndOptions) {
     EXPECT_FALSE(Pattern("[a]").isConstant());
 }
 
-}  // namespace
+}  // namespace pattern_parser_tests
 }  // namespace brindlet

@@ -13,7 +13,7 @@
 #include "glob/reference_matcher.h"
 
 namespace brindlet {
-namespace {
+namespace pattern_tests {
 
 using Options = Pattern::Options;
 
@@ -257,5 +257,5 @@ TEST(Pattern, AgreesWithReference) {
     EXPECT_GT(matched, 3'000);
 }
 
-}  // namespace
+}  // namespace pattern_tests
 }  // namespace brindlet

@@ -11,7 +11,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace child_process_tests {
 
 using std::chrono::milliseconds;
 
@@ -112,5 +112,5 @@ TEST(ChildProcess, GroupCanBeEndedAfterItsLeader) {
     EXPECT_EQ((*child)->waitForExit(), 5);
 }
 
-}  // namespace
+}  // namespace child_process_tests
 }  // namespace brindlet

@@ -12,7 +12,7 @@
 #include "platform/log.h"
 
 namespace brindlet {
-namespace {
+namespace environment_tests {
 
 // Sets variables of this process, or takes them away, and puts all back as they were.
 class Variables {
@@ -92,5 +92,5 @@ TEST(Log, NeverFailsIntoTheCaller) {
     EXPECT_EQ(seen, "I aE b");
 }
 
-}  // namespace
+}  // namespace environment_tests
 }  // namespace brindlet

@@ -6,7 +6,7 @@
 #include <string_view>
 
 namespace brindlet {
-namespace {
+namespace file_path_tests {
 
 TEST(FilePath, StandardForm) {
     struct Case {
@@ -115,5 +115,5 @@ TEST(FilePath, Tilde) {
     EXPECT_EQ(expandedTilde("", home), "");
 }
 
-}  // namespace
+}  // namespace file_path_tests
 }  // namespace brindlet

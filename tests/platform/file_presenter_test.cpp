@@ -8,7 +8,7 @@
 
 namespace brindlet {
 
-namespace {
+namespace file_presenter_tests {
 
 // A desktop whose helpers are scripts that note what they are asked.
 class FilePresenterTest : public testing::Test {
@@ -50,8 +50,6 @@ std::string call(std::string_view name, std::string_view method, const std::stri
     return "--dest=" + std::string(name) + " /org/freedesktop/FileManager1 org.freedesktop.FileManager1." +
            std::string(method) + " array:string:" + uris + " string:\n";
 }
-
-}  // namespace
 
 // With several items most file managers open a window for each.
 TEST_F(FilePresenterTest, OnlyDolphinIsAskedForSeveralItems) {
@@ -113,4 +111,5 @@ TEST_F(FilePresenterTest, WhereNobodyAnswersTheFolderIsOpenedOrItIsTold) {
     EXPECT_TRUE(told.ends_with(", /d/c and 79 more")) << told;
 }
 
+}  // namespace file_presenter_tests
 }  // namespace brindlet

@@ -10,7 +10,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace file_system_tests {
 
 TEST(FileSystem, Looks) {
     using namespace std::string_literals;
@@ -106,5 +106,5 @@ TEST(FileSystem, ResolvesLinksAsFarAsTheyExist) {
     EXPECT_EQ(files->resolvingLinks(FilePath()), FilePath());
 }
 
-}  // namespace
+}  // namespace file_system_tests
 }  // namespace brindlet

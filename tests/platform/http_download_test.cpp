@@ -12,7 +12,7 @@
 #include "support/asset_server.h"
 
 namespace brindlet {
-namespace {
+namespace http_download_tests {
 
 struct Fetched {
     std::string content, error;
@@ -92,5 +92,5 @@ TEST(HttpDownload, AStopEndsItAtOnceWhateverTheServerDoes) {
     EXPECT_LT(std::chrono::steady_clock::now() - requested, std::chrono::milliseconds{500});
 }
 
-}  // namespace
+}  // namespace http_download_tests
 }  // namespace brindlet

@@ -21,7 +21,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace sandbox_tests {
 
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
@@ -316,5 +316,5 @@ TEST_F(Sandbox, LandlockRefusesToWriteAllButTheNullDevice) {
     });
 }
 
-}  // namespace
+}  // namespace sandbox_tests
 }  // namespace brindlet

@@ -11,7 +11,7 @@
 #include "support/scratch_folder.h"
 
 namespace brindlet {
-namespace {
+namespace settings_store_tests {
 
 TEST(SettingsStore, KeepsValuesByKind) {
     const ScratchFolder scratch;
@@ -139,5 +139,5 @@ TEST(AtomicFile, LeavesAllAsItWasWhereItFails) {
     EXPECT_EQ(after, before);
 }
 
-}  // namespace
+}  // namespace settings_store_tests
 }  // namespace brindlet

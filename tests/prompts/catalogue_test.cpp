@@ -9,7 +9,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace catalogue_tests {
 
 // The order decides between equal scores.
 constexpr std::string_view order =
@@ -196,5 +196,5 @@ TEST(Catalogue, ExamplesFitTheirSelection) {
     }
 }
 
-}  // namespace
+}  // namespace catalogue_tests
 }  // namespace brindlet

@@ -7,7 +7,7 @@
 #include <random>
 
 namespace brindlet {
-namespace {
+namespace prompt_index_tests {
 
 // The search as it is defined, item by item in 32-bit floats.
 std::vector<std::pair<std::string, float>> slowSearch(const PromptIndex& index, std::string_view query,
@@ -87,5 +87,5 @@ TEST(PromptIndex, FindsWhatTheSlowSearchFinds) {
     }
 }
 
-}  // namespace
+}  // namespace prompt_index_tests
 }  // namespace brindlet

@@ -5,7 +5,7 @@
 #include <set>
 
 namespace brindlet {
-namespace {
+namespace prompt_template_tests {
 
 using Strings = std::set<std::string>;
 
@@ -68,5 +68,5 @@ TEST(PromptTemplate, BudgetGoesWhereThereIsRoom) {
     EXPECT_EQ(PromptGenerator::generatePrompts({"<n>"}, {{"n", words}}, 50).size(), 50u);
 }
 
-}  // namespace
+}  // namespace prompt_template_tests
 }  // namespace brindlet

@@ -7,7 +7,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace quick_commands_tests {
 
 // Files that don't exist: no answer may depend on the disk.
 std::vector<FilePath> selection(std::string_view names) {
@@ -292,5 +292,5 @@ TEST(QuickCommands, HostileText) {
               R"(sips -s format png "$FILE_NAME" --out "${FILE_BASENAME}.png")");
 }
 
-}  // namespace
+}  // namespace quick_commands_tests
 }  // namespace brindlet

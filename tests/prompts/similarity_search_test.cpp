@@ -6,7 +6,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace similarity_search_tests {
 
 std::vector<FilePath> paths(std::string_view names) {
     std::vector<FilePath> result;
@@ -73,5 +73,5 @@ TEST(SimilaritySearch, TypesAndTerms) {
     EXPECT_TRUE(search.similarCategories("x", {}, 0).empty());
 }
 
-}  // namespace
+}  // namespace similarity_search_tests
 }  // namespace brindlet

@@ -6,7 +6,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace system_prompt_tests {
 
 std::vector<FilePath> paths(const std::vector<std::string>& names) {
     std::vector<FilePath> result;
@@ -119,5 +119,5 @@ TEST_F(SystemPromptTest, NoMoreExamplesThanTheModelsPaceAllows) {
     }
 }
 
-}  // namespace
+}  // namespace system_prompt_tests
 }  // namespace brindlet

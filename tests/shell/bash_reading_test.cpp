@@ -17,7 +17,7 @@
 #include "text/strings.h"
 
 namespace brindlet {
-namespace {
+namespace bash_reading_tests {
 
 // What the pieces below stand for with x=v and y unset; anything else in raw text is a hazard or isn't judged.
 const std::map<std::string_view, std::string_view> values = {
@@ -269,5 +269,5 @@ TEST(BashReading, RunsWhatTheTreeSays) {
     }
 }
 
-}  // namespace
+}  // namespace bash_reading_tests
 }  // namespace brindlet

@@ -10,7 +10,7 @@
 #include "shell/printing.h"
 
 namespace brindlet {
-namespace {
+namespace parser_tests {
 
 struct Read {
     std::string printed;  // or the error's description
@@ -255,5 +255,5 @@ TEST(Parser, SurvivesLongAndDeepTexts) {
     }
 }
 
-}  // namespace
+}  // namespace parser_tests
 }  // namespace brindlet

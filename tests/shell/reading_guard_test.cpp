@@ -6,7 +6,7 @@
 #include "shell/basher.h"
 
 namespace brindlet {
-namespace {
+namespace reading_guard_tests {
 
 std::string hazardIn(std::string_view line) {
     return readingHazard(Basher(std::string(line)).parse()).value_or("");
@@ -70,5 +70,5 @@ TEST(ReadingGuard, LetsPass) {
     }
 }
 
-}  // namespace
+}  // namespace reading_guard_tests
 }  // namespace brindlet

@@ -12,7 +12,7 @@
 #include "text/utf8.h"
 
 namespace brindlet {
-namespace {
+namespace characters_tests {
 
 using Pieces = std::vector<std::string_view>;
 
@@ -143,5 +143,5 @@ TEST(Characters, Cases) {
     }
 }
 
-}  // namespace
+}  // namespace characters_tests
 }  // namespace brindlet

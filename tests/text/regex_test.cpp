@@ -5,7 +5,7 @@
 #include <thread>
 
 namespace brindlet {
-namespace {
+namespace regex_tests {
 
 TEST(Regex, Finds) {
     struct Case {
@@ -134,5 +134,5 @@ TEST(Regex, IsUsedByManyThreads) {
     for (auto& thread : threads) thread.join();
 }
 
-}  // namespace
+}  // namespace regex_tests
 }  // namespace brindlet

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 namespace brindlet {
-namespace {
+namespace strings_tests {
 
 TEST(Strings, Trimming) {
     struct Case {
@@ -57,5 +57,5 @@ TEST(Strings, Integers) {
         EXPECT_EQ(parsedInteger(text), std::nullopt) << text;
 }
 
-}  // namespace
+}  // namespace strings_tests
 }  // namespace brindlet

@@ -5,7 +5,7 @@
 #include <vector>
 
 namespace brindlet {
-namespace {
+namespace utf8_tests {
 
 using namespace std::string_literals;
 
@@ -70,5 +70,5 @@ TEST(Utf8, AppendsNothingThatIsNoScalar) {
     }
 }
 
-}  // namespace
+}  // namespace utf8_tests
 }  // namespace brindlet

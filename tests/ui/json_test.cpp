@@ -7,7 +7,7 @@
 #include "ui/terminal/shown_text.h"
 
 namespace brindlet {
-namespace {
+namespace json_tests {
 
 std::string lineJson(std::string_view line) {
     return jsonText(toJson(Basher(std::string(line)).parse()));
@@ -166,5 +166,5 @@ TEST(ShownText, NothingSteersTheTerminal) {
     for (const auto& [text, shown] : cases) EXPECT_EQ(shownText(text), shown);
 }
 
-}  // namespace
+}  // namespace json_tests
 }  // namespace brindlet

@@ -5,7 +5,7 @@
 #include "analysis/described_changes.h"
 
 namespace brindlet {
-namespace {
+namespace prediction_rows_tests {
 
 using Rows = std::vector<std::string>;
 
@@ -163,5 +163,5 @@ TEST(PredictionRows, ShownPaths) {
         EXPECT_EQ(shownPath(FilePath(path), FilePath(folder), home), shown) << path << " from " << folder;
 }
 
-}  // namespace
+}  // namespace prediction_rows_tests
 }  // namespace brindlet
