@@ -146,13 +146,13 @@ void collect(const PromptSimilarityCategory& category, std::size_t limit, const 
 }
 
 Collection collected(std::string_view prompt, const Limits& limits, const std::vector<FilePath>& files,
-                     const PromptSources& sources) {
+                     const PromptSources& sources,
+                     const std::vector<PromptSimilaritySearch::SearchResult>& categories) {
     ExtraRuleContext context{{}, files.size(), std::string(prompt)};
     for (const FilePath& file : files) context.fileExtensions.emplace_back(pathExtension(file.text()));
     Collection found;
-    const auto results = sources.search.similarCategories(prompt, files, limits.categories);
-    for (std::size_t at = 0; at < results.size(); ++at)
-        collect(*results[at].category, at < limits.rich ? examplesOfRich : examplesOfOthers, context, found);
+    for (std::size_t at = 0; at < categories.size(); ++at)
+        collect(*categories[at].category, at < limits.rich ? examplesOfRich : examplesOfOthers, context, found);
     // The tools and rules of examples that go here stay.
     found.examples.resize(std::min(found.examples.size(), static_cast<std::size_t>(limits.categories)));
     if (found.examples.empty()) return {{std::string(exampleOfLastResort)}, {}, {}};
@@ -183,7 +183,14 @@ long categoryLimit(ModelPace pace) {
 
 std::string composeSystemPrompt(std::string_view prompt, ModelPace pace, const std::vector<FilePath>& files,
                                 const PromptSources& sources) {
-    const Collection found = collected(prompt, limitsOf(pace), files, sources);
+    return composeSystemPrompt(prompt, pace, files, sources,
+                               sources.search.similarCategories(prompt, files, categoryLimit(pace)));
+}
+
+std::string composeSystemPrompt(std::string_view prompt, ModelPace pace, const std::vector<FilePath>& files,
+                                const PromptSources& sources,
+                                const std::vector<PromptSimilaritySearch::SearchResult>& categories) {
+    const Collection found = collected(prompt, limitsOf(pace), files, sources, categories);
     std::string text(intro);
     text += selectionParagraph(files, sources.files);
     text += fixedExamples;

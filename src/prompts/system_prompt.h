@@ -28,5 +28,9 @@ long categoryLimit(ModelPace pace);
 
 std::string composeSystemPrompt(std::string_view prompt, ModelPace pace, const std::vector<FilePath>& files,
                                 const PromptSources& sources);
+// The same for categories that were found already.
+std::string composeSystemPrompt(std::string_view prompt, ModelPace pace, const std::vector<FilePath>& files,
+                                const PromptSources& sources,
+                                const std::vector<PromptSimilaritySearch::SearchResult>& categories);
 
 }  // namespace brindlet

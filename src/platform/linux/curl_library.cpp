@@ -37,8 +37,6 @@ std::optional<CurlLibrary> loadedCurl() {
     find(curl.multiWakeUp, "curl_multi_wakeup");
     find(curl.multiReadInfo, "curl_multi_info_read");
     find(curl.multiCleanup, "curl_multi_cleanup");
-    find(curl.listAppend, "curl_slist_append");
-    find(curl.listFree, "curl_slist_free_all");
     if (!isWhole || curl.globalInit(CURL_GLOBAL_DEFAULT) != CURLE_OK) return std::nullopt;
     return curl;
 }

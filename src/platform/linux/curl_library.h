@@ -33,8 +33,6 @@ struct CurlLibrary {
     decltype(&::curl_multi_wakeup) multiWakeUp = nullptr;
     decltype(&::curl_multi_info_read) multiReadInfo = nullptr;
     decltype(&::curl_multi_cleanup) multiCleanup = nullptr;
-    decltype(&::curl_slist_append) listAppend = nullptr;
-    decltype(&::curl_slist_free_all) listFree = nullptr;
 };
 
 }  // namespace brindlet

@@ -38,7 +38,7 @@ class PromptSubcommand final : public Subcommand {
         if (!quick || isForced_) {
             const std::set<std::string> commands = context.packages().availableCommands();
             system = composeSystemPrompt(request, pace, files,
-                                         {search, context.files(), {commands.begin(), commands.end()}});
+                                         {search, context.files(), {commands.begin(), commands.end()}}, categories);
         }
         const std::string user = std::string(userPromptPrefix) + request;
         if (wantsJson_)
