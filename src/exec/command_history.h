@@ -26,11 +26,11 @@ constexpr std::size_t maxHistoryOfPrompts = 100;
 // The file's text: a JSON array of the commands in their stored form, on lines for people to read.
 std::string historyText(const std::vector<AICommand>& commands);
 
-// What can't be loaded or saved is told on standard error and stops nobody. For one thread.
 // The list with one more: earlier entries of the same request or the same line (whatever their case) give way to it,
 // and so do the oldest beyond the limit.
 std::vector<AICommand> withEntered(std::vector<AICommand> history, AICommand command);
 
+// What can't be loaded or saved is told on standard error and stops nobody. For one thread.
 class CommandHistoryStore {
   public:
     // Reads and makes nothing yet. The file is "commandHistory.json" in `folder`.

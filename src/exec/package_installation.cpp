@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "exec/child_follower.h"
+#include "exec/package_files.h"
 #include "exec/packages.h"
 #include "exec/progress_trackers.h"
 #include "platform/atomic_file.h"
@@ -21,10 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::string_view unzipPath = "/usr/bin/unzip";
-// What is unpacked lies here until it is known to be whole. Some other program may hold what a run that was killed
-// left.
-constexpr std::string_view stagingPrefix = ".unpacking-";
-constexpr auto stagingLifetime = std::chrono::hours{24};
+constexpr auto unpackTick = 100ms;
 
 constexpr double downloadShare = 0.8;  // of the whole progress
 constexpr double removalSeconds = 0.3;
@@ -38,57 +36,21 @@ const Failure cancelledFailure{"Cancelled."};
 const Failure packageNotFound{"Package not found"};
 const Failure homebrewNotInstalled{"Homebrew not installed"};
 
-void removeItems(const FilePath& folder) {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder.text(), ignored);
-}
-
-// A folder beside the tools for what isn't one yet, gone with its owner.
-class StagingFolder {
+// Ends what it is asked for, and itself hears of whoever asks for the end of all.
+class LinkedStop {
   public:
-    explicit StagingFolder(FilePath path) : path_(std::move(path)) {}
-    ~StagingFolder() { removeItems(path_); }
-    StagingFolder(const StagingFolder&) = delete;
-    StagingFolder& operator=(const StagingFolder&) = delete;
-
-    const FilePath& path() const { return path_; }
+    explicit LinkedStop(const std::stop_token& outer) : passOn_(outer, [this] { source_.request_stop(); }) {}
+    std::stop_token token() const { return source_.get_token(); }
+    void request() { source_.request_stop(); }
 
   private:
-    FilePath path_;
+    std::stop_source source_;
+    std::stop_callback<std::function<void()>> passOn_;
 };
 
-// What killed installations left, as long as none that runs can be meant.
-void removeOldStagingFolders(const FilePath& packagesFolder) {
-    std::error_code error;
-    const auto limit = std::filesystem::file_time_type::clock::now() - stagingLifetime;
-    std::vector<FilePath> old;
-    for (std::filesystem::directory_iterator at(packagesFolder.text(), error), end; !error && at != end;
-         at.increment(error)) {
-        std::error_code unreadable;
-        const auto changed = std::filesystem::last_write_time(at->path(), unreadable);
-        if (!unreadable && changed < limit && at->path().filename().string().starts_with(stagingPrefix))
-            old.emplace_back(at->path().string());
-    }
-    for (const FilePath& folder : old) removeItems(folder);
-}
-
-// A link could lead anywhere, and a file without the right to run it is no tool.
-bool isPlainProgram(const FilePath& file, FileSystem& files) {
-    std::error_code error;
-    const auto status = std::filesystem::symlink_status(file.text(), error);
-    return !error && std::filesystem::is_regular_file(status) && files.isExecutableFile(file);
-}
-
-// The tools of the package, once they are all there, take their names one by one.
-std::optional<Failure> moveTools(const PackageInfo& package, const FilePath& from, const FilePath& to,
-                                 FileSystem& files) {
-    for (const std::string_view binary : package.binaries)
-        if (!isPlainProgram(from.child(binary), files))
-            return Failure{"The archive '" + std::string(package.zipName) + "' holds no tool '" + std::string(binary) +
-                           "'"};
-    for (const std::string_view binary : package.binaries)
-        if (auto failure = moveIntoPlace(from.child(binary), to.child(binary))) return failure;
-    return std::nullopt;
+Failure unpacksToTooMuch(const PackageInfo& package, const UnpackLimits& limits) {
+    return Failure{"The archive '" + std::string(package.zipName) + "' unpacks to more than it may: " +
+                   std::to_string(limits.bytes >> 20) + " MiB in " + std::to_string(limits.entries) + " files"};
 }
 
 // Waits, but no longer than until a stop is requested.
@@ -180,8 +142,8 @@ std::optional<Failure> PackageManager::installFromHomebrew(const PackageInfo& pa
     const auto brew = brewPath();
     if (!brew) return homebrewNotInstalled;
     BrewInstallProgressTracker tracker{std::string(package.name)};
-    return runProcess({*brew, "install", std::string(package.homebrewPackageName.value_or(""))}, &tracker, active,
-                      progress, stop);
+    return runProcess({*brew, "install", std::string(package.homebrewPackageName.value_or(""))}, {.tracker = &tracker},
+                      active, progress, stop);
 }
 
 std::optional<Failure> PackageManager::installFromFenwold(const PackageInfo& package, ActiveInstallation& active,
@@ -198,7 +160,8 @@ std::optional<Failure> PackageManager::installFromFenwold(const PackageInfo& pac
     const FilePath& archive = std::get<FilePath>(outcome);
     const auto failure = unpack(package, archive, active, progress, stop);
     // One that can't be unpacked stays for whoever wants to know why.
-    if (!failure || stop.stop_requested()) removeItems(archive);
+    std::error_code ignored;
+    if (!failure || stop.stop_requested()) std::filesystem::remove(archive.text(), ignored);
     return failure;
 }
 
@@ -206,17 +169,27 @@ std::optional<Failure> PackageManager::unpack(const PackageInfo& package, const 
                                               ActiveInstallation& active, const Progress& progress,
                                               const std::stop_token& stop) {
     if (auto failure = makeFolders(setup_.packagesFolder)) return failure;
-    removeOldStagingFolders(setup_.packagesFolder);
+    removeAbandoned(setup_.packagesFolder, stagingPrefix, stagingLifetime);
     const Result<FilePath> made = makeFreshFolder(setup_.packagesFolder, stagingPrefix);
     if (!made) return made.failure();
     const StagingFolder staging(*made);
-    if (auto failure = runProcess({std::string(unzipPath), "-o", archive.text(), "-d", staging.path().text()}, nullptr,
-                                  active, progress, stop))
-        return failure;
-    return moveTools(package, staging.path(), setup_.packagesFolder, setup_.files);
+    const std::vector<std::string> unzip{std::string(unzipPath), "-o", archive.text(), "-d", staging.path().text()};
+    // What the archive says of its sizes need not be true, so the disk is watched.
+    LinkedStop ending(stop);
+    bool isTooMuch = false;
+    const auto watch = [&](double) {
+        isTooMuch = isTooMuch || exceeds(staging.path(), setup_.unpackLimits);
+        if (isTooMuch) ending.request();
+    };
+    const auto failure =
+        runProcess(unzip, {.tick = watch, .tickInterval = unpackTick}, active, progress, ending.token());
+    watch(0);
+    if (isTooMuch) return unpacksToTooMuch(package, setup_.unpackLimits);
+    if (failure) return failure;
+    return placeTools(package, staging.path(), setup_.packagesFolder, setup_.files);
 }
 
-std::optional<Failure> PackageManager::runProcess(const std::vector<std::string>& arguments, ProgressTracker* tracker,
+std::optional<Failure> PackageManager::runProcess(const std::vector<std::string>& arguments, const Watchers& watchers,
                                                   ActiveInstallation& active, const Progress& progress,
                                                   const std::stop_token& stop) const {
     if (stop.stop_requested()) return cancelledFailure;
@@ -229,13 +202,13 @@ std::optional<Failure> PackageManager::runProcess(const std::vector<std::string>
     };
     const auto takeLine = [&](std::string_view bytes) {
         const std::string line = toValidUtf8(bytes);
-        if (tracker != nullptr) {
-            tracker->handleOutputLine(line, report);
+        if (watchers.tracker != nullptr) {
+            watchers.tracker->handleOutputLine(line, report);
         } else {
             report(OutputLine{line});
         }
     };
-    const auto status = ChildFollower(**child, takeLine).follow(stop);
+    const auto status = ChildFollower(**child, takeLine, watchers.tick, watchers.tickInterval).follow(stop);
     if (!status) return cancelledFailure;
     if (*status == 0) return std::nullopt;
     return Failure{"Failure while running " + joined(arguments, " "), *status};
@@ -290,12 +263,7 @@ std::optional<Failure> PackageManager::uninstallFromFenwold(const PackageInfo& p
                                                             const std::stop_token& stop) {
     const std::string name(package.name);
     active.set(0, "Removing " + name + " files...");
-    for (const std::string_view binary : package.binaries) {
-        const FilePath file = setup_.packagesFolder.child(binary);
-        std::error_code error;
-        std::filesystem::remove(file.text(), error);
-        if (error) return Failure{"Can't remove '" + file.text() + "': " + error.message()};
-    }
+    if (auto failure = removeTools(package, setup_.packagesFolder)) return failure;
     // Deleting takes no time; the bar is given enough to be seen.
     for (double step = 0; step < removalSeconds && !stop.stop_requested(); step += removalStep) {
         active.set(step / removalSeconds, "Removing " + name + " files...");

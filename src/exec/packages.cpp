@@ -1,11 +1,11 @@
 #include "exec/packages.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include "exec/child_follower.h"
 #include "platform/child_process.h"
-#include "platform/log.h"
 #include "text/strings.h"
 
 namespace brindlet {
@@ -15,7 +15,7 @@ namespace {
 // More than any list of formulas has.
 constexpr std::size_t mostProbedBytes = std::size_t{16} << 20;
 
-// What a process prints, line by line; the failure is that it could not be started, or was stopped.
+// What a process prints, line by line, or has printed when it is stopped; the failure is that it could not be started.
 Result<std::vector<std::string>> linesOf(const std::vector<std::string>& arguments, const Environment& environment,
                                          const std::stop_token& stop) {
     auto child = ChildProcess::start(
@@ -27,7 +27,7 @@ Result<std::vector<std::string>> linesOf(const std::vector<std::string>& argumen
         bytes += line.size();
         if (bytes <= mostProbedBytes) lines.emplace_back(line);
     };
-    if (!ChildFollower(**child, takeLine).follow(stop)) return Failure{"Cancelled."};
+    ChildFollower(**child, takeLine).follow(stop);
     return lines;
 }
 
@@ -59,7 +59,8 @@ std::optional<std::string> PackageManager::brewPath() const {
     const auto lines = linesOf({"/usr/bin/which", "brew"}, setup_.environment, {});
     if (!lines) return std::nullopt;
     const std::string path(trimmed(joined(*lines, "\n")));
-    return path.empty() ? std::nullopt : std::optional(path);
+    // Some kinds of `which` say in words that there is none.
+    return setup_.files.isExecutableFile(FilePath(path)) ? std::optional(path) : std::nullopt;
 }
 
 // The program's own folders are on the search path wherever they exist.
@@ -90,7 +91,7 @@ std::set<std::string> PackageManager::brewList(const std::stop_token& stop) cons
     if (!brew) return {};
     const auto lines = linesOf({*brew, "list"}, setup_.environment, stop);
     if (!lines) {
-        logError("Error getting Homebrew packages: " + lines.failure().description);
+        std::fprintf(stderr, "Error getting Homebrew packages: %s\n", lines.failure().description.c_str());
         return {};
     }
     std::set<std::string> formulas;
@@ -119,6 +120,7 @@ void PackageManager::refresh(const std::stop_token& stop) {
         const std::lock_guard lock(guard_);
         if (std::exchange(isRefreshing_, true)) return;
     }
+    const std::lock_guard inspection(inspection_);
     const std::set<std::string> formulas = brewList(stop);
     std::map<PackageSource, std::set<std::string>> installed;
     for (const PackageInfo& package : setup_.availablePackages)
@@ -140,6 +142,7 @@ bool PackageManager::waitForRefresh(const std::stop_token& stop) {
 }
 
 void PackageManager::refreshPackage(const PackageInfo& package, const std::stop_token& stop) {
+    const std::lock_guard inspection(inspection_);
     const auto formulas = package.source == PackageSource::homebrew ? brewList(stop) : std::set<std::string>();
     const bool isInstalled = isInstalledNow(package, formulas);
     const std::lock_guard lock(guard_);

@@ -6,6 +6,7 @@
 //     if (auto failure = packages.install("FFmpeg", showProgress, stop)) report(failure->description);
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -19,6 +20,7 @@
 #include <vector>
 
 #include "exec/command_runner.h"
+#include "exec/package_files.h"
 #include "exec/package_table.h"
 #include "exec/tool_search_path.h"
 #include "platform/environment.h"
@@ -45,6 +47,7 @@ struct PackageSetup {
     std::vector<std::string> homebrewPaths = {"/opt/homebrew/bin/brew", "/usr/local/bin/brew",
                                               "/home/linuxbrew/.linuxbrew/bin/brew"};
     std::span<const PackageInfo> availablePackages = brindlet::availablePackages();
+    UnpackLimits unpackLimits{};
 };
 
 // Every operation may be called on any thread, and blocks the caller until it is done. What was asked for is the same
@@ -89,7 +92,14 @@ class PackageManager {
 
   private:
     class ActiveInstallation;
+    // Who follows a process besides the record of the installation.
+    struct Watchers {
+        ProgressTracker* tracker = nullptr;  // makes progress of its lines, which else go on as output
+        std::function<void(double)> tick{};
+        std::chrono::milliseconds tickInterval{250};
+    };
 
+    // The packages of Homebrew; none where it can't be asked.
     std::set<std::string> brewList(const std::stop_token& stop) const;
     bool isInstalledNow(const PackageInfo& package, const std::set<std::string>& formulas) const;
     bool waitForRefresh(const std::stop_token& stop);
@@ -105,15 +115,18 @@ class PackageManager {
                                                  const std::stop_token& stop);
     std::optional<Failure> uninstallFromFenwold(const PackageInfo& package, ActiveInstallation& active,
                                                 const std::stop_token& stop);
-    // Runs it to its end. Its lines go to the tracker where there is one, else on as output.
-    std::optional<Failure> runProcess(const std::vector<std::string>& arguments, ProgressTracker* tracker,
+    // Runs it to its end.
+    std::optional<Failure> runProcess(const std::vector<std::string>& arguments, const Watchers& watchers,
                                       ActiveInstallation& active, const Progress& progress,
                                       const std::stop_token& stop) const;
 
     PackageSetup setup_;
     Observer observer_;
 
-    mutable std::mutex guard_;
+    // Held from the looking at what is installed to the storing of it: so it is always the later look that stays.
+    // Taken before `guard_`.
+    std::mutex inspection_;
+    mutable std::mutex guard_;  // of all below
     std::condition_variable_any refreshed_;
     bool isRefreshing_ = false;
     std::map<std::string, InstallationProgress> activeInstallations_;

@@ -101,6 +101,17 @@ TEST_F(CommandRunnerTest, OutputAndStatus) {
     EXPECT_EQ(run("find . -name '*.txt' | finderSelect"), (CommandRunResult{"Selected 1 items in Finder", "", 0}));
 }
 
+// Its beginning and its end are kept, and what is no text holds nothing back.
+TEST_F(CommandRunnerTest, OutputWithoutEnd) {
+    const auto result = run(R"-(printf 'first \377\n'; yes "$(printf %01000d 7)" | head -c 100100000; echo last)-");
+    ASSERT_TRUE(result);
+    EXPECT_LE(result->output.size(), (std::size_t{64} << 20) + 100);
+    EXPECT_TRUE(result->output.starts_with("first \uFFFD\n0000"));
+    EXPECT_TRUE(result->output.ends_with("0007\nlast\n"));
+    EXPECT_NE(result->output.find("7\n["), std::string::npos);
+    EXPECT_NE(result->output.find(" lines of output left out here]\n0"), std::string::npos);
+}
+
 TEST_F(CommandRunnerTest, WhatCannotBeLaunchedIsAFailure) {
     const auto gone = CommandRunner(searchPath).run("touch x", {}, scratch.path("gone"), base, {}, {}, {});
     ASSERT_TRUE(gone);

@@ -53,6 +53,13 @@ struct Machine {
         return names;
     }
 
+    // What lies in the folder for tools, but for the lock.
+    Names tools() const {
+        Names names = namesIn("data/Packages");
+        names.erase(".lock");
+        return names;
+    }
+
     ScratchFolder disk;
     std::unique_ptr<FileSystem> files = openFileSystem();
     ToolSearchPath searchPath{*files, disk.path("data/Packages"), {disk.path("Binaries")}, {{"SHELL", "/bin/false"}}};
@@ -146,6 +153,12 @@ TEST(Packages, WithoutHomebrew) {
     EXPECT_EQ(packages.brewPath(), std::nullopt);
     EXPECT_EQ(packages.install("QPDF", nullptr), Failure{"Homebrew not installed"});
     EXPECT_EQ(packages.uninstall("QPDF"), Failure{"Homebrew not installed"});
+    machine.setup.homebrewPaths = {machine.disk.write("no interpreter", "#!/no/such").text()};
+    makeExecutable(FilePath(machine.setup.homebrewPaths.front()));
+    testing::internal::CaptureStderr();
+    PackageManager(machine.setup).refresh();
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with("Error getting Homebrew packages: "));
+    machine.setup.homebrewPaths.clear();
     machine.setup.environment = {{"PATH", machine.disk.path("brew").text()}};
     EXPECT_EQ(PackageManager(machine.setup).brewPath(), machine.brew());
 }
@@ -180,7 +193,7 @@ TEST(Packages, ArchivesAreFetchedUnpackedAndRemoved) {
     AssetServer server({{"/p/ffmpeg.zip", {.body = archiveOf(std::string(makeBothTools) + "; echo more > README")}}});
     Machine machine(server.url() + "/p");
     machine.setup.homebrewPaths.clear();
-    machine.disk.write("data/Packages/ffmpeg", "half of an old one");
+    machine.disk.write("data/Packages/ffmpeg", "half of one that somebody put there");
     PackageManager packages(machine.setup);
     packages.refresh();
     EXPECT_FALSE(packages.isInstalled("FFmpeg"));
@@ -201,7 +214,8 @@ TEST(Packages, ArchivesAreFetchedUnpackedAndRemoved) {
     EXPECT_EQ(firstMessage, "Downloading FFmpeg...");
     EXPECT_TRUE(packages.isInstalled("FFmpeg"));
     EXPECT_EQ(machine.disk.read("data/Packages/ffmpeg"), "new\n");
-    EXPECT_EQ(machine.namesIn("data/Packages"), (Names{"ffmpeg", "ffprobe"}));
+    EXPECT_EQ(machine.tools(), (Names{".FFmpeg", "ffmpeg", "ffprobe"}));
+    EXPECT_EQ(machine.namesIn("data/Packages/.FFmpeg"), (Names{"ffmpeg", "ffprobe"}));
     EXPECT_EQ(machine.namesIn("tmp"), Names{});
 
     recorded.clear();
@@ -209,7 +223,43 @@ TEST(Packages, ArchivesAreFetchedUnpackedAndRemoved) {
     EXPECT_EQ(recorded.front(), 0.0);
     EXPECT_EQ(recorded.back(), 1.0);
     EXPECT_FALSE(packages.isInstalled("FFmpeg"));
-    EXPECT_EQ(machine.namesIn("data/Packages"), Names{});
+    EXPECT_EQ(machine.tools(), Names{});
+}
+
+// The steps at which an installation or removal can have been cut off, each left as it was then.
+TEST(Packages, WhatWasCutOffIsWholeOrNotThere) {
+    AssetServer server({{"/ffmpeg.zip", {.body = archiveOf(std::string(makeBothTools))}}});
+    struct Case {
+        std::string_view what, before;
+        bool isThere;
+    };
+    const Case cases[] = {
+        {"linked before the tools are there", "ln -s .FFmpeg/ffmpeg .", false},
+        {"the tools are there",
+         "mkdir .FFmpeg && cp /bin/true .FFmpeg/ffmpeg && cp /bin/true .FFmpeg/ffprobe && "
+         "ln -s .FFmpeg/ffmpeg .FFmpeg/ffprobe .",
+         true},
+        {"taken away before the links", "ln -s .FFmpeg/ffmpeg .FFmpeg/ffprobe . && mkdir .removed-FFmpeg", false},
+        {"taken away with one link", "ln -s .FFmpeg/ffprobe . && mkdir -p .removed-FFmpeg/ffmpeg", false},
+        {"put there by hand", "cp /bin/true ffmpeg && cp /bin/true ffprobe", true},
+    };
+    for (const auto& [what, before, isThere] : cases) {
+        SCOPED_TRACE(what);
+        for (const bool installs : {true, false}) {
+            Machine machine(server.url());
+            const std::string folder = machine.disk.makeFolder("data/Packages").text();
+            ASSERT_EQ(std::system(("cd " + folder + " && " + std::string(before)).c_str()), 0);
+            PackageManager asks(machine.setup);
+            asks.refresh();
+            EXPECT_EQ(asks.isInstalled("FFmpeg"), isThere);
+            // One that hasn't looked, so that it installs anew.
+            PackageManager packages(machine.setup);
+            EXPECT_EQ(installs ? packages.install("FFmpeg", nullptr) : packages.uninstall("FFmpeg"), std::nullopt);
+            EXPECT_EQ(packages.isInstalled("FFmpeg"), installs);
+            EXPECT_EQ(machine.tools(), installs ? (Names{".FFmpeg", "ffmpeg", "ffprobe"}) : Names{});
+            EXPECT_EQ(machine.disk.read("data/Packages/ffprobe"), installs ? "new\n" : "");
+        }
+    }
 }
 
 TEST(Packages, NothingHalfInstalledIsTakenForInstalled) {
@@ -224,29 +274,31 @@ TEST(Packages, NothingHalfInstalledIsTakenForInstalled) {
         {"not there", {.status = 404, .body = good}, "Download failed: server status code: 404"},
         {"connection lost", {.body = good.substr(0, 200), .announcedLength = good.size()}, "transfer closed with"},
         {"truncated", {.body = good.substr(0, good.size() / 2)}, unzip},
-        {"no archive", {.body = "<html>Welcome to the hotel</html>"}, unzip},
         {"damaged", {.body = std::string(good).replace(good.find("new\n"), 3, "old")}, unzip},
         {"climbs out", {.body = archiveOf("more=../evil; echo bad > ../evil; " + std::string(makeBothTools))}, unzip},
-        {"one is missing",
-         {.body = archiveOf("echo > ffmpeg; chmod 755 ffmpeg")},
-         "The archive 'ffmpeg.zip' holds no tool 'ffprobe'"},
         {"one is a link",
          {.body = archiveOf("echo > ffmpeg; chmod 755 ffmpeg; ln -s /bin/sh ffprobe")},
          "The archive 'ffmpeg.zip' holds no tool 'ffprobe'"},
         {"one can't be run",
          {.body = archiveOf("echo > ffmpeg; chmod 755 ffmpeg; echo > ffprobe")},
          "The archive 'ffmpeg.zip' holds no tool 'ffprobe'"},
-        {"through a link", {.body = archiveOf("ln -s /tmp ffmpeg; echo > ffprobe; chmod 755 ffprobe")}, "The archive"},
+        {"too many files",
+         {.body = archiveOf("mkdir m; touch m/{1..60}; " + std::string(makeBothTools))},
+         "The archive 'ffmpeg.zip' unpacks to more than it may: 9 MiB in 50 files"},
+        {"too large",
+         {.body = archiveOf("head -c 10000000 /dev/zero > ffmpeg; cp ffmpeg ffprobe; chmod 755 ff*")},
+         "The archive 'ffmpeg.zip' unpacks to more than it may: 9 MiB in 50 files"},
     };
     for (const auto& [what, asset, description] : cases) {
         SCOPED_TRACE(what);
         AssetServer server({{"/ffmpeg.zip", asset}});
         Machine machine(server.url());
+        machine.setup.unpackLimits = {.bytes = 10'000'000, .entries = 50};
         PackageManager packages(machine.setup);
         const std::string found = descriptionOf(packages.install("FFmpeg", nullptr));
         EXPECT_EQ(found.substr(0, description.size()), description);
         EXPECT_FALSE(packages.isInstalled("FFmpeg"));
-        EXPECT_EQ(machine.namesIn("data/Packages"), Names{});
+        EXPECT_EQ(machine.tools(), Names{});
         EXPECT_EQ(machine.namesIn("data"), machine.namesIn("data").empty() ? Names{} : Names{"Packages"});
         EXPECT_EQ(packages.activeInstallations().size(), 0u);
     }
@@ -271,7 +323,7 @@ TEST(Packages, AFullDisk) {
         EXPECT_TRUE(description.starts_with(folder == "/large" ? "Can't write the downloaded file: File too large"
                                                                : "Failure while running /usr/bin/unzip"))
             << description;
-        EXPECT_EQ(machine.namesIn("data/Packages"), Names{});
+        EXPECT_EQ(machine.tools(), Names{});
     }
     ::signal(SIGXFSZ, before);
 }
@@ -298,7 +350,7 @@ TEST(Packages, ACancelledInstallationLeavesNothing) {
         const std::string found = descriptionOf(packages.install("FFmpeg", stopIfFar, stop.get_token()));
         // The last piece may be the whole.
         EXPECT_TRUE(found == description || (folder == "/whole" && found == "Download cancelled.")) << found;
-        EXPECT_EQ(machine.namesIn("data/Packages"), Names{});
+        EXPECT_EQ(machine.tools(), Names{});
         EXPECT_EQ(machine.namesIn("tmp"), Names{});
     }
 }

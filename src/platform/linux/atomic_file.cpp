@@ -8,7 +8,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include "platform/file_system.h"
 #include "platform/linux/file_descriptor.h"
@@ -17,8 +20,13 @@ namespace brindlet {
 
 namespace {
 
-// With the six characters and points that are put round it, the name stays below the 255 bytes of NAME_MAX.
+// With what is put round it, the name stays below the 255 bytes of NAME_MAX.
 constexpr std::size_t longestNamePart = 200;
+// Long enough that no name of a user's own copy is taken for one of these.
+constexpr std::string_view temporaryMark = ".partial-";
+constexpr std::string_view freshPart = "XXXXXX";
+// No writing takes so long.
+constexpr std::chrono::minutes longestWriting{1};
 
 // 0 or an error number, as all below.
 int writeAll(const FileDescriptor& file, std::string_view content) {
@@ -46,8 +54,8 @@ void syncFolder(const FilePath& folder) {
 int replaceFile(const FilePath& file, std::string_view content, unsigned mode) {
     if (file.text().find('\0') != std::string::npos) return EINVAL;  // it would replace another file
     const FilePath folder = file.parent();
-    const std::string pattern = "." + std::string(file.name().substr(0, longestNamePart)) + ".XXXXXX";
-    std::string temporary = folder.child(pattern).text();
+    const std::string prefix = "." + std::string(file.name().substr(0, longestNamePart)) + std::string(temporaryMark);
+    std::string temporary = folder.child(prefix + std::string(freshPart)).text();
     const FileDescriptor open(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!open) return errno;
     int error = fillFile(open, content, mode);
@@ -57,6 +65,7 @@ int replaceFile(const FilePath& file, std::string_view content, unsigned mode) {
         return error;
     }
     syncFolder(folder);
+    removeAbandoned(folder, prefix, longestWriting);
     return 0;
 }
 
@@ -88,10 +97,25 @@ std::optional<Failure> writeFileAtomically(const FilePath& file, std::string_vie
 }
 
 Result<FilePath> makeFreshFolder(const FilePath& folder, std::string_view prefix) {
-    std::string path = folder.child(std::string(prefix) + "XXXXXX").text();
+    std::string path = folder.child(std::string(prefix) + std::string(freshPart)).text();
     if (::mkdtemp(path.data()) == nullptr)
         return systemFailure("Can't make a folder in '" + folder.text() + "'", errno);
     return FilePath(path);
+}
+
+void removeAbandoned(const FilePath& folder, std::string_view prefix, std::chrono::seconds age) {
+    namespace fs = std::filesystem;
+    const auto limit = fs::file_time_type::clock::now() - age;
+    std::vector<fs::path> abandoned;
+    std::error_code error;
+    for (fs::directory_iterator at(folder.text(), error), end; !error && at != end; at.increment(error)) {
+        const std::string name = at->path().filename().string();
+        if (!name.starts_with(prefix) || name.size() != prefix.size() + freshPart.size()) continue;
+        std::error_code unreadable;
+        const auto changed = fs::last_write_time(at->path(), unreadable);
+        if (!unreadable && changed < limit) abandoned.push_back(at->path());
+    }
+    for (const fs::path& item : abandoned) fs::remove_all(item, error);
 }
 
 std::optional<Failure> moveIntoPlace(const FilePath& file, const FilePath& target) {
