@@ -12,7 +12,7 @@ function(brindlet_layer folder)
   cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
   string(REPLACE "/" "_" name ${folder})
   set(source ${CMAKE_SOURCE_DIR}/src/${folder})
-  file(GLOB sources CONFIGURE_DEPENDS ${source}/*.cpp ${source}/linux/*.cpp ${source}/terminal/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${source}/*.cpp ${source}/linux/*.cpp ${source}/wire/*.cpp ${source}/terminal/*.cpp)
   add_library(brindlet_${name} STATIC ${sources})
   brindlet_unity(brindlet_${name})
 

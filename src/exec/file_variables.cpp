@@ -78,4 +78,16 @@ std::vector<Environment> runEnvironments(std::string_view command, const std::ve
     return environments;
 }
 
+std::vector<std::vector<FilePath>> runSelections(std::string_view command, const std::vector<FilePath>& files) {
+    if (runMode(command) != RunMode::oncePerFile) return {files};
+    std::vector<std::vector<FilePath>> each;
+    each.reserve(files.size());
+    for (const FilePath& file : files) each.push_back({file});
+    return each;
+}
+
+bool hasTooManyFiles(std::string_view command, const std::vector<FilePath>& files) {
+    return usesAllFilesVariable(command) && files.size() > maxFilesAtOnce;
+}
+
 }  // namespace brindlet

@@ -24,6 +24,8 @@ std::optional<CurlLibrary> loadedCurl() {
     find(curl.urlSet, "curl_url_set");
     find(curl.urlGet, "curl_url_get");
     find(curl.urlCleanup, "curl_url_cleanup");
+    find(curl.listAppend, "curl_slist_append");
+    find(curl.listFree, "curl_slist_free_all");
     find(curl.easyInit, "curl_easy_init");
     find(curl.easySetOption, "curl_easy_setopt");
     find(curl.easyGetInfo, "curl_easy_getinfo");

@@ -20,6 +20,8 @@ struct CurlLibrary {
     decltype(&::curl_url_set) urlSet = nullptr;
     decltype(&::curl_url_get) urlGet = nullptr;
     decltype(&::curl_url_cleanup) urlCleanup = nullptr;
+    decltype(&::curl_slist_append) listAppend = nullptr;
+    decltype(&::curl_slist_free_all) listFree = nullptr;
     decltype(&::curl_easy_init) easyInit = nullptr;
     decltype(&::curl_easy_setopt) easySetOption = nullptr;
     decltype(&::curl_easy_getinfo) easyGetInfo = nullptr;

@@ -1,88 +1,108 @@
-#include "ai/answer_cleaning.h"
-#include "exec/command_history.h"
-#include "platform/environment.h"
-#include "platform/log.h"
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+
 #include "prompts/quick_commands.h"
-#include "text/characters.h"
-#include "text/strings.h"
+#include "ui/prediction_rows.h"
 #include "ui/terminal/arguments.h"
 #include "ui/terminal/command_road.h"
-#include "ui/terminal/exit_code.h"
+#include "ui/terminal/prediction.h"
+#include "ui/terminal/question.h"
+#include "ui/terminal/shown_text.h"
 #include "ui/terminal/subcommand.h"
 
 namespace brindlet {
 
 namespace {
 
-constexpr std::string_view noModelText =
-    "No quick rule answers this request, and no model can be asked yet: say it as 'to png', 'zip' or 'size', or run a "
-    "line of bash with 'brindlet run'";
+constexpr std::size_t mostOffered = 3;
+constexpr long categoriesLookedAt = 6;
 
-constexpr std::size_t tooManyCharacters = 250;
-constexpr std::string_view tooLongText = "Sorry, please keep keep your request shorter";
+// The worked examples nearest to the request that fit the selection, the best
+// first.
+std::vector<const PromptSimilarityOutputExample*> nearestExamples(const std::string& request,
+                                                                  const std::vector<FilePath>& files,
+                                                                  const PromptSimilaritySearch& search) {
+    std::vector<const PromptSimilarityOutputExample*> nearest;
+    for (const auto& [category, score] : search.similarCategories(request, files, categoriesLookedAt)) {
+        const auto fits = [&](const PromptSimilarityOutputExample& example) {
+            return fitsSelection(example.singleMultiple, files.size());
+        };
+        const auto& examples = category->outputExamples;
+        const auto example = std::find_if(examples.begin(), examples.end(), fits);
+        if (example != examples.end()) nearest.push_back(&*example);
+        if (nearest.size() == mostOffered) break;
+    }
+    return nearest;
+}
+
+// "Renames a.txt to b.txt, and 2 more"
+std::string summaryLine(const PredictReport& report) {
+    const auto rows = predictionRows(report.result, report.folder, report.home, report.predictionNeedsInstall);
+    if (rows.empty()) return "";
+    std::string line = rows.front().text;
+    if (rows.front().subtitle) line += ": " + *rows.front().subtitle;
+    if (rows.size() > 1) line += fmt::format(", and {} more", rows.size() - 1);
+    return shownText(line);
+}
 
 class AskCommand final : public Subcommand {
   public:
     explicit AskCommand(CLI::App& app)
-        : request_(*addWord(app, "REQUEST", "What is asked for, in quotes")),
-          files_(*addWords(app, "FILE", "The selected files")),
-          folder_(*addFolderOption(app)) {
+        : words_(app, "REQUEST", "What is asked for, in quotes"), model_(*addModelOption(app)) {
         app.add_flag("--yes", options_.isConfirmed, "Runs without asking");
         app.add_flag("--dry-run", options_.isDryRun, "Stops after the prediction");
         app.add_flag("--json", options_.wantsJson, "Prints what happened as one JSON object");
         options_.showsOutput = false;  // the summary stands for it
+        options_.remembers = true;
+        options_.summarizes = true;
     }
 
     int run(CommandLineContext& context, StandardOutput& output) override {
-        if (folder_.count() > 0) context.useFolder(requiredWord(folder_));
-        const std::string request = requiredWord(request_);
-        if (trimmed(request).empty()) throw UsageError{"REQUEST is empty"};
-        const std::vector<FilePath> files = context.existingFiles(wordsOf(files_));
-        context.folder();
+        const std::string request = words_.text();
+        const std::vector<FilePath> files = words_.existingFiles(context);
+        options_.model = modelOf(model_, context);
         context.startLogging();
 
-        const CommandRoad road(options_);
-        const std::optional<QuickCommand> quick = quickCommand(request, files);
-        RoadReport report;
-        if (characterCount(request) >= tooManyCharacters) {
-            report.present(std::string(tooLongText));
-        } else if (quick) {
-            logInfo("MANUALLY PARSED COMMAND, GENERATED: " + quick->command);
-            const std::string line = cleanedAnswer(quick->command);
-            report = CommandRoad::predicted(line, files, context);
-            if (!options_.isDryRun) enterInHistory(request, line, report, context);
-            road.decide(report, files, context, output);
-            if (report.ran() && !report.wasStopped) summarize(*quick, request, files, report);
+        CommandRoad road(context, files, options_, output);
+        road.flow().appear();
+        road.flow().setPrompt(request);
+        const AIModel model = road.flow().view().selectedModel;
+        const auto problem = road.terminal().models().models().whyUnusable(model);
+        if (problem && canAsk() && !options_.wantsJson && !quickCommand(request, files)) {
+            offerExamples(road, *problem, request, files, context);
         } else {
-            report.present(std::string(noModelText));
+            road.flow().submit();
         }
-        road.tell(report, output);
-        if (report.ran() && !report.summary && !options_.wantsJson) output.write(report.runs.output + "\n");
-        return CommandRoad::exitCodeOf(report);
+        return road.goToTheEnd();
     }
 
   private:
-    static void enterInHistory(const std::string& request, const std::string& line, const RoadReport& report,
-                               CommandLineContext& context) {
-        CommandHistoryStore history(dataFolder(), context.settings());
-        history.loadOrMigrateHistory();
-        history.saveHistory(
-            withEntered(history.commandHistory(), {.id = newUuid(),
-                                                   .bashCommand = report.command,
-                                                   .prompt = request,
-                                                   .messages = {{AIRole::user, request}, {AIRole::assistant, line}},
-                                                   .requiredPackages = report.prediction->result.requiredPackages}));
+    // What the catalogue knows, for somebody who has no model to ask.
+    static void offerExamples(CommandRoad& road, const std::string& problem, const std::string& request,
+                              const std::vector<FilePath>& files, CommandLineContext& context) {
+        const auto examples = nearestExamples(request, files, road.terminal().models().search());
+        if (examples.empty()) return road.flow().submit();
+        std::string offer = shownText(problem) + "\n\nWithout a model these come nearest:\n";
+        std::vector<std::string> lines;
+        for (const PromptSimilarityOutputExample* example : examples) {
+            lines.push_back(finishedCommand(example->expectedCommand, {}, request).bashCommand);
+            const PredictReport report = predictCommand(lines.back(), files, context);
+            offer += fmt::format("  {}. {}\n     {}\n     {}\n", lines.size(), example->prompt, shownText(lines.back()),
+                                 summaryLine(report));
+        }
+        writeTo(STDERR_FILENO, offer);
+        const auto number =
+            askNumber(fmt::format("Which one? [1-{}] shows what it would do, [n/Escape] stops ", lines.size()),
+                      lines.size(), road.interruption());
+        if (!number) return road.stop();
+        road.askInAnyCase();
+        road.flow().submitCommand(finishedCommand(lines[*number - 1], {{AIRole::user, request}}, request));
     }
 
-    static void summarize(const QuickCommand& quick, const std::string& request, const std::vector<FilePath>& files,
-                          RoadReport& report) {
-        report.summary = quick.summarize({request, report.command, files, std::string(trimmed(report.runs.output)),
-                                          joined(report.runs.failureMessages, "\n"), report.runs.exitCode == 0});
-    }
-
-    const CLI::Option& request_;
-    const CLI::Option& files_;
-    const CLI::Option& folder_;
+    RequestWords words_;
+    const CLI::Option& model_;
     CommandRoad::Options options_;
 };
 

@@ -34,6 +34,12 @@ constexpr SubcommandRow subcommandRows[] = {
      makeQuickCommand},
     {"prompt", "Prints what a model would be sent, and sends nothing",
      "brindlet prompt 'make this 300px wide' photo.jpg", makePromptCommand},
+    {"action", "Asks, predicts and runs once, for scripts", "brindlet action --yes 'zip' a.txt b.txt",
+     makeActionCommand},
+    {"models", "Shows the models, chooses one, adds ones of your own",
+     "brindlet models add --name llama3.1 --url http://localhost:11434", makeModelsCommand},
+    {"keys", "Shows, stores and removes your keys for the providers", "brindlet keys set OpenAI < key.txt",
+     makeKeysCommand},
     {"settings", "Shows and changes the settings", "brindlet settings allow 'Rename files' on", makeSettingsCommand},
     {"tools", "Shows the tools that can be installed, installs and removes them", "brindlet tools install FFmpeg",
      makeToolsCommand},
@@ -133,6 +139,19 @@ int runReporting(CommandLine& commandLine, std::span<const char* const> argument
 }
 
 }  // namespace
+
+CLI::App& addAction(CLI::App& subcommand, const std::string& word, const std::string& summary,
+                    const std::string& example) {
+    CLI::App& action = *subcommand.add_subcommand(word, summary);
+    action.footer(fmt::format("Example:\n  brindlet {} {}", subcommand.get_name(), example));
+    return action;
+}
+
+int exitCodeFor(const std::optional<Failure>& failure) {
+    if (!failure) return exitDone;
+    reportProblem(failure->description);
+    return exitFailed;
+}
 
 int runCommandLine(std::span<const char* const> arguments, const std::string& version) {
     try {

@@ -93,6 +93,26 @@ SettingsStore& CommandLineContext::settings() {
     return *settings_;
 }
 
+SecretStore& CommandLineContext::secrets() {
+    if (!secrets_) secrets_ = openSecretStore(dataFolder(), environment());
+    return *secrets_;
+}
+
+ProviderApiKeys& CommandLineContext::apiKeys() {
+    if (!apiKeys_) apiKeys_ = std::make_unique<ProviderApiKeys>(secrets(), environment());
+    return *apiKeys_;
+}
+
+CustomModelList& CommandLineContext::customModels() {
+    if (!customModels_) customModels_ = std::make_unique<CustomModelList>(dataFolder(), secrets());
+    return *customModels_;
+}
+
+AIModelList& CommandLineContext::models() {
+    if (!models_) models_ = std::make_unique<AIModelList>(settings(), customModels());
+    return *models_;
+}
+
 LogFile& CommandLineContext::log() {
     if (!log_) log_ = std::make_unique<LogFile>(dataFolder().child("Logs"));
     return *log_;

@@ -12,6 +12,9 @@
 #include <string_view>
 #include <vector>
 
+#include "ai/ai_model.h"
+#include "ai/custom_model.h"
+#include "ai/provider_api_keys.h"
 #include "analysis/basher_analysis.h"
 #include "exec/log_file.h"
 #include "exec/packages.h"
@@ -20,6 +23,7 @@
 #include "platform/file_path.h"
 #include "platform/file_system.h"
 #include "platform/read_only_launcher.h"
+#include "platform/secret_store.h"
 #include "platform/settings_store.h"
 
 namespace brindlet {
@@ -42,6 +46,10 @@ class CommandLineContext {
     FileSystem& files() { return *files_; }
     const Environment& environment();
     SettingsStore& settings();
+    SecretStore& secrets();
+    ProviderApiKeys& apiKeys();
+    CustomModelList& customModels();
+    AIModelList& models();
     LogFile& log();
     // From here on what the program does is logged.
     void startLogging();
@@ -58,6 +66,10 @@ class CommandLineContext {
     std::optional<FilePath> folder_;
     std::optional<Environment> environment_;
     std::optional<SettingsStore> settings_;
+    std::unique_ptr<SecretStore> secrets_;
+    std::unique_ptr<ProviderApiKeys> apiKeys_;
+    std::unique_ptr<CustomModelList> customModels_;
+    std::unique_ptr<AIModelList> models_;
     std::unique_ptr<LogFile> log_;
     std::unique_ptr<ToolSearchPath> searchPath_;
     std::unique_ptr<PackageManager> packages_;

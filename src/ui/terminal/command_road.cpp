@@ -3,59 +3,26 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <utility>
 
-#include "exec/command_runner.h"
 #include "exec/file_presenting.h"
 #include "exec/file_variables.h"
-#include "platform/file_presenter.h"
-#include "platform/log.h"
-#include "text/characters.h"
+#include "exec/progress_trackers.h"
 #include "text/strings.h"
 #include "ui/json.h"
 #include "ui/prediction_rows.h"
 #include "ui/terminal/exit_code.h"
+#include "ui/terminal/prediction.h"
 #include "ui/terminal/question.h"
-#include "ui/terminal/run_display.h"
 #include "ui/terminal/shown_text.h"
 
 namespace brindlet {
 
 namespace {
 
-std::string_view caseName(EndState state) {
-    constexpr std::string_view names[] = {"awaitingConfirmation", "complete", "question", "presentingError",
-                                          "enteringPrompt"};
-    return names[static_cast<std::size_t>(state)];
-}
+using enum PromptState;
 
-Json toJson(const RoadReport& report) {
-    return {
-        {"command", report.command},
-        {"prediction", report.prediction ? toJson(*report.prediction) : Json()},
-        {"ran", report.ran()},
-        {"output", report.runs.output},
-        {"failureMessage", joined(report.runs.failureMessages, "")},
-        {"exitCode", report.runs.exitCode},
-        {"summary", optionalJson(report.summary)},
-        {"state", caseName(report.state)},
-        {"error", optionalJson(report.error)},
-    };
-}
-
-bool asksSomething(std::string_view text) {
-    constexpr std::string_view beginnings[] = {"please", "why",  "what", "how", "can", "could", "would",
-                                               "should", "will", "is",   "are", "was", "were"};
-    const std::string lower = lowercased(text);
-    return lower.ends_with('?') ||
-           std::ranges::any_of(beginnings, [&](std::string_view beginning) { return lower.starts_with(beginning); });
-}
-
-std::string titlesOf(const std::set<CommandEffect>& effects) {
-    std::vector<std::string> titles;
-    for (const CommandEffect effect : effects) titles.emplace_back(rawValue(effect));
-    return joined(titles, ", ");
-}
+constexpr std::chrono::milliseconds turnInterval{100};
 
 // "Error analysing command: Expected a word", or nothing.
 std::string analysisErrorText(const AnalysisResult& result) {
@@ -64,132 +31,176 @@ std::string analysisErrorText(const AnalysisResult& result) {
     return row.subtitle ? row.text + ": " + *row.subtitle : row.text;
 }
 
-std::string refusalText(const RoadReport& report) {
-    std::string text = "nothing was run, since nobody is here to be asked about: " + titlesOf(report.reasons);
-    if (report.prediction->result.analysisError) text += " (" + analysisErrorText(report.prediction->result) + ")";
+std::string missingToolText(const PromptFlowView& view) {
+    const std::string& name = *view.missingPackageName;
+    return "nothing was run, since " + name + " is missing: " +
+           (view.needsHomebrew ? "it comes from Homebrew, which is missing too; "
+                                 "once that is there, "
+                               : "") +
+           "'brindlet tools install " + name + "' installs it";
+}
+
+std::string confirmQuestion(const PromptFlowView& view, FlowPackages& packages) {
+    if (!view.missingPackageName) return "Run it? [Enter/y] runs, [n/Escape] stops ";
+    if (packages.requiresInstallForPrediction(*view.missingPackageName))
+        return "Install " + *view.missingPackageName +
+               " to see what it would do? [Enter/y] installs, [n/Escape] stops ";
+    return "Install " + *view.missingPackageName + " and run it? [Enter/y] installs and runs, [n/Escape] stops ";
+}
+
+std::string refusalText(const PromptFlowView& view) {
+    std::string text = "nothing was run, since nobody is here to be asked about: " + titlesOf(view.reasons);
+    if (view.analysisResult.analysisError) text += " (" + analysisErrorText(view.analysisResult) + ")";
     return text + "; --yes runs it without asking";
 }
 
-void logRisk(const std::set<CommandEffect>& effects) {
-    std::set<CommandEffect> telling = effects;
-    telling.erase(CommandEffect::harmless);
-    logInfo(fmt::format("Risk: {}, for effects: {}", caseName(riskSummary(effects)),
-                        telling.empty() ? "harmless" : titlesOf(telling)));
-}
-
-std::string shownPrediction(const RoadReport& report, int stream) {
+std::string shownPrediction(const PredictReport& report, int stream) {
     constexpr std::string_view runsTexts[] = {
         "Runs once:", "Runs once per file selected:", "Runs once on all selected files:"};
-    const auto mode = static_cast<std::size_t>(runMode(report.command));
-    return fmt::format("{}\n  {}\n{}", runsTexts[mode], shownText(report.command),
-                       predictionText(*report.prediction, styleFor(stream)));
-}
-
-// On standard error: standard output is for what the command prints.
-void showPrediction(const RoadReport& report) {
-    writeTo(STDERR_FILENO, shownPrediction(report, STDERR_FILENO));
+    const std::string& line = report.result.rewrittenCommand;
+    return fmt::format("{}\n  {}\n{}", runsTexts[static_cast<std::size_t>(runMode(line))], shownText(trimmed(line)),
+                       predictionText(report, styleFor(stream)));
 }
 
 }  // namespace
 
-int CommandRoad::exitCodeOf(const RoadReport& report) {
-    if (report.wasStopped) return exitCancelled;
-    if (report.error || !report.problem.empty()) return exitFailed;
-    return report.runs.exitCode == 0 ? exitDone : exitFailed;
+CommandRoad::CommandRoad(CommandLineContext& context, std::vector<FilePath> files, Options options,
+                         StandardOutput& output)
+    : context_(context),
+      options_(std::move(options)),
+      output_(output),
+      display_(!options_.wantsJson, output, [this] { terminal_->loop().post([this] { flow().escape(); }); }) {
+    terminal_ = std::make_unique<TerminalFlow>(
+        context, std::move(files),
+        TerminalFlow::Options{.remembers = options_.remembers && !options_.isDryRun,
+                              .summarizes = options_.summarizes,
+                              .alwaysAsks = options_.isDryRun,
+                              .model = options_.model,
+                              .onLine =
+                                  [this](std::string_view line) {
+                                      if (printsLines_) display_.printLine(line);
+                                  },
+                              .prepareRunner = [this](CommandRunner& runner) { display_.follow(runner); },
+                              .trackers = chooseProgressTracker,
+                              .tell = [this](const std::string& sentence) { display_.reportProblem(sentence); }});
+    flow().observe([this] { follow(); });
+    terminal_->loop().watch(interruption_.descriptor(), [this] {
+        terminal_->loop().watch(interruption_.descriptor(),
+                                nullptr);  // the signal stays to be read
+        wasStopped_ = true;
+        flow().escape();
+    });
 }
 
-RoadReport CommandRoad::predicted(const std::string& line, const std::vector<FilePath>& files,
-                                  CommandLineContext& context) {
-    RoadReport report;
-    report.prediction = predictCommand(line, files, context);
-    report.command = trimmed(report.prediction->result.rewrittenCommand);
-    const std::set<CommandEffect> effects = commandEffects(report.prediction->result, context.folder());
-    logRisk(effects);
-    report.reasons = reasonsToAsk(effects, report.prediction->toggles);
-    return report;
+// What goes on is shown as it changes.
+void CommandRoad::follow() {
+    const PromptFlowView& view = flow().view();
+    if (view.command) command_ = trimmed(view.command->bashCommand);
+    if (view.promptState != std::exchange(followed_, view.promptState)) {
+        if (view.promptState == runningCommand) {
+            hasRun_ = true;
+            printsLines_ = !options_.wantsJson && options_.showsOutput && pipelineEnd(command_) == PipelineEnd::none;
+        }
+        if (view.promptState == installingPackage) installed_ = view.missingPackageName.value_or("");
+        if (flow().isBusy() || view.promptState == runningCommand) display_.begin();
+        if (view.promptState == sendingRequest)
+            display_.show(OutputLine{"Asking " + view.selectedModel.friendlyName + "..."});
+        if (view.promptState == completeButInterprettingResult) display_.show(OutputLine{"Reading the output..."});
+    }
+    if (view.progressLine) display_.show(OutputLine{*view.progressLine});
+    if (view.progressNorm) display_.show(ProgressNorm{*view.progressNorm});
 }
 
-void CommandRoad::decide(RoadReport& report, const std::vector<FilePath>& files, CommandLineContext& context,
-                         StandardOutput& output) const {
-    if (options_.isDryRun) {
-        report.state = EndState::awaitingConfirmation;
-        if (!options_.wantsJson) output.write(shownPrediction(report, STDOUT_FILENO));
-        return;
-    }
-    const auto& analysisError = report.prediction->result.analysisError;
-    if (analysisError && analysisError->kind == BasherAnalysisError::Kind::bannedInBrindlet)
-        return report.present(analysisError->text);
-    if (const auto text = pureEchoText(report.command)) {
-        logInfo("Command output was pure echo: " + *text);
-        report.summary = *text;
-        report.state = asksSomething(*text) ? EndState::question : EndState::complete;
-        return;
-    }
-    Interruption interruption;
-    if (!mayRun(report, interruption)) return;
-    if (hasTooManyFiles(report.command, files)) return report.present(std::string(tooManyFilesText));
-    if (files.empty() && runMode(report.command) == RunMode::oncePerFile) {
-        report.note = "nothing was run, since the command runs once for each FILE and none is given";
-        return;
-    }
-    runNow(report, files, context, output, interruption);
+void CommandRoad::turn() {
+    display_.turn();
+    terminal_->loop().postAfter(turnInterval, [this] { turn(); });
 }
 
-// Asks where there is something to ask about and somebody to ask. False: the report says why not.
-bool CommandRoad::mayRun(RoadReport& report, const Interruption& interruption) const {
-    if (report.reasons.empty()) {
-        logInfo("Auto-running because side effects are compatible with user's settings");
-        return true;
+int CommandRoad::goToTheEnd() {
+    if (!options_.wantsJson) turn();
+    for (;;) {
+        terminal_->runUntilIdle();
+        display_.end();
+        if (wasStopped_ || flow().view().promptState != awaitingConfirmation) break;
+        confirmOrStop();
+        if (!flow().isBusy() && flow().view().promptState == awaitingConfirmation) break;
     }
-    logInfo("Awaiting confirmation for the following reasons: " + titlesOf(report.reasons));
-    if (options_.isConfirmed) {
-        if (!options_.wantsJson) showPrediction(report);
-        return true;
-    }
-    if (!canAsk()) {
-        report.state = EndState::awaitingConfirmation;
-        report.problem = refusalText(report);
-        return false;
-    }
-    showPrediction(report);
-    if (ask("Run it? [Enter/y] runs, [n/Escape] stops ", interruption) == Answer::yes) return true;
-    report.state = EndState::awaitingConfirmation;
-    report.wasStopped = true;
-    return false;
+    terminal_->finish();
+    display_.finish();
+    tell();
+    return exitCode();
 }
 
-void CommandRoad::runNow(RoadReport& report, const std::vector<FilePath>& files, CommandLineContext& context,
-                         StandardOutput& output, Interruption& interruption) const {
-    const bool printsLines =
-        !options_.wantsJson && options_.showsOutput && pipelineEnd(report.command) == PipelineEnd::none;
-    RunDisplay display({.showsOutput = printsLines, .showsProgress = !options_.wantsJson}, output, interruption);
-    const auto presenter = openFilePresenter(
-        context.environment(), [&display](const std::string& sentence) { display.reportProblem(sentence); });
-    CommandRunner runner(context.searchPath(), presenter.get(), display.trackers());
-    display.follow(runner);
-    report.runs = runAccepted(
-        report.command, files, context.folder(), context.environment(), runner,
-        [&display](std::string_view line) { display.printLine(line); }, interruption.token(),
-        [&display](const CommandProgress& progress) { display.show(progress); });
-    display.finish();
-    report.wasStopped = report.runs.wasCancelled;
-    if (report.wasStopped) report.state = EndState::enteringPrompt;
-}
-
-void CommandRoad::tell(const RoadReport& report, StandardOutput& output) const {
-    if (options_.wantsJson) {
-        output.write(jsonText(toJson(report)) + "\n");
+// Either the flow goes on, or it stays where it is and the report says why.
+void CommandRoad::confirmOrStop() {
+    const PromptFlowView& view = flow().view();
+    if (options_.isDryRun) return;
+    const bool isAnswered = options_.isConfirmed && !mustAsk_;
+    const bool isMissing = view.missingPackageName.has_value();
+    // Nothing is fetched behind the back of somebody who isn't there, whatever
+    // has been agreed to beforehand; and what is still missing after it was
+    // fetched will not come by fetching it again.
+    if (isMissing && (!canAsk() || view.needsHomebrew || installed_ == *view.missingPackageName)) {
+        problem_ = missingToolText(view);
+    } else if (!isAnswered && !canAsk()) {
+        problem_ = refusalText(view);
     } else {
-        if (report.summary) output.write(*report.summary + "\n");
-        // Its lines are the names of files, and what was done with them is the output.
-        if (options_.showsOutput && pipelineEnd(report.command) != PipelineEnd::none && !report.runs.output.empty())
-            output.write(report.runs.output + (report.runs.output.ends_with('\n') ? "" : "\n"));
-        if (report.error) reportProblem(*report.error);
-        for (const std::string& message : report.runs.failureMessages) reportProblem(message);
+        if (!options_.wantsJson || !isAnswered)
+            writeTo(STDERR_FILENO, shownPrediction(*terminal_->currentPrediction(), STDERR_FILENO));
+        if (isAnswered || isAgreed(confirmQuestion(view, terminal_->packages()))) flow().confirm();
     }
-    output.flush();
-    for (const std::string& sentence : {report.problem, report.note})
-        if (!sentence.empty()) reportProblem(sentence);
+}
+
+bool CommandRoad::isAgreed(const std::string& question) {
+    wasStopped_ = ask(question, interruption_) != Answer::yes;
+    return !wasStopped_;
+}
+
+void CommandRoad::tell() {
+    const PromptFlowView& view = flow().view();
+    const auto nonEmpty = [](const std::string& text) { return text.empty() ? Json() : Json(text); };
+    if (options_.wantsJson) {
+        const auto prediction = terminal_->currentPrediction();
+        output_.write(
+            jsonText(recordJson({{"command", command_},
+                                 {"prediction", prediction ? toJson(*prediction) : Json()},
+                                 {"ran", hasRun_ && (view.runs > 0 || wasStopped_)},
+                                 {"output", view.fullCommandOutput},
+                                 {"failureMessage", joined(view.failureMessages, "")},
+                                 {"exitCode", view.exitCode},
+                                 {"summary", nonEmpty(view.result)},
+                                 {"state", caseName(view.promptState)},
+                                 {"error", view.promptState == presentingError ? Json(view.error) : Json()}})) +
+            "\n");
+    } else {
+        tellPeople();
+    }
+    output_.flush();
+    if (!problem_.empty()) reportProblem(problem_);
+    if (hasRun_ && view.runs == 0 && !wasStopped_ && view.promptState == complete)
+        reportProblem(
+            "nothing was run, since the command runs once for each FILE "
+            "and none is given");
+}
+
+void CommandRoad::tellPeople() {
+    const PromptFlowView& view = flow().view();
+    if (options_.isDryRun && view.promptState == awaitingConfirmation)
+        output_.write(shownPrediction(*terminal_->currentPrediction(), STDOUT_FILENO));
+    if (!view.result.empty()) output_.write(view.result + "\n");
+    // What was not printed as it came: the lines that name files for the file
+    // manager, and an output that nobody summarises.
+    const bool isOutputUntold = view.result.empty() && !printsLines_ && !view.fullCommandOutput.empty();
+    if (isOutputUntold) output_.write(view.fullCommandOutput + (view.fullCommandOutput.ends_with('\n') ? "" : "\n"));
+    if (view.promptState == presentingError) reportProblem(view.error);
+    for (const std::string& message : view.failureMessages) reportProblem(message);
+}
+
+int CommandRoad::exitCode() const {
+    const PromptFlowView& view = terminal_->flow().view();
+    if (wasStopped_) return exitCancelled;
+    if (view.promptState == presentingError || !problem_.empty()) return exitFailed;
+    return view.exitCode == 0 ? exitDone : exitFailed;
 }
 
 }  // namespace brindlet

@@ -54,15 +54,17 @@ std::string nextKeys(const Interruption& interruption) {
     return count > 0 ? std::string(bytes.data(), static_cast<std::size_t>(count)) : "";
 }
 
-// Keys that were held down or typed quickly come together: the first that says something counts.
-std::optional<Answer> answerOf(std::string_view keys) {
-    constexpr std::string_view yesKeys = "\r\nyY";
-    constexpr std::string_view noKeys = "nNqQ\x03\x04";
-    if (keys.empty() || keys == escape) return Answer::no;
+constexpr std::string_view noKeys = "nNqQ\x03\x04";
+constexpr char saidNo = 'n';
+
+// Keys that were held down or typed quickly come together: the first that says something counts, one of `good` or a no.
+// An escape sequence, such as an arrow's, says nothing.
+std::optional<char> meaningOf(std::string_view keys, std::string_view good) {
+    if (keys.empty() || keys == escape) return saidNo;
     for (const char key : keys) {
         if (key == escape.front()) return std::nullopt;
-        if (yesKeys.find(key) != std::string_view::npos) return Answer::yes;
-        if (noKeys.find(key) != std::string_view::npos) return Answer::no;
+        if (good.find(key) != std::string_view::npos) return key;
+        if (noKeys.find(key) != std::string_view::npos) return saidNo;
     }
     return std::nullopt;
 }
@@ -72,6 +74,18 @@ int screen() {
     return isTerminal(STDERR_FILENO) ? STDERR_FILENO : STDOUT_FILENO;
 }
 
+char keyFor(std::string_view question, std::string_view good, const Interruption& interruption) {
+    const int shownOn = screen();
+    std::optional<char> key;
+    {
+        const RawTerminal raw;
+        writeTo(shownOn, question);
+        while (!key) key = meaningOf(nextKeys(interruption), good);
+    }
+    writeTo(shownOn, "\n");
+    return *key;
+}
+
 }  // namespace
 
 bool canAsk() {
@@ -79,15 +93,13 @@ bool canAsk() {
 }
 
 Answer ask(std::string_view question, const Interruption& interruption) {
-    const int shownOn = screen();
-    std::optional<Answer> answer;
-    {
-        const RawTerminal raw;
-        writeTo(shownOn, question);
-        while (!answer) answer = answerOf(nextKeys(interruption));
-    }
-    writeTo(shownOn, "\n");
-    return *answer;
+    return keyFor(question, "\r\nyY", interruption) == saidNo ? Answer::no : Answer::yes;
+}
+
+std::optional<std::size_t> askNumber(std::string_view question, std::size_t most, const Interruption& interruption) {
+    const char key = keyFor(question, std::string_view("123456789").substr(0, most), interruption);
+    if (key == saidNo) return std::nullopt;
+    return static_cast<std::size_t>(key - '0');
 }
 
 }  // namespace brindlet

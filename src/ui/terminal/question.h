@@ -4,6 +4,8 @@
 //     if (ask("[Enter/y] runs, [n/Escape] stops ", interruption) == Answer::yes) run();
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string_view>
 
 #include "ui/terminal/interruption.h"
@@ -19,5 +21,8 @@ bool canAsk();
 // or "y" say yes; "n", "q", Escape, Ctrl-C, Ctrl-D, a closed terminal and an interruption say no; other keys are passed
 // over. The terminal is put back as it was, whatever happens.
 Answer ask(std::string_view question, const Interruption& interruption);
+
+// The same for a choice: a digit from 1 to `most`, which is at most 9. None: what says no to `ask`.
+std::optional<std::size_t> askNumber(std::string_view question, std::size_t most, const Interruption& interruption);
 
 }  // namespace brindlet

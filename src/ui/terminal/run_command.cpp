@@ -1,7 +1,5 @@
-#include "text/strings.h"
 #include "ui/terminal/arguments.h"
 #include "ui/terminal/command_road.h"
-#include "ui/terminal/exit_code.h"
 #include "ui/terminal/subcommand.h"
 
 namespace brindlet {
@@ -10,33 +8,22 @@ namespace {
 
 class RunCommand final : public Subcommand {
   public:
-    explicit RunCommand(CLI::App& app)
-        : command_(*addWord(app, "COMMAND", "The line of bash, in quotes")),
-          files_(*addWords(app, "FILE", "The selected files, for FILE_NAME and its like")),
-          folder_(*addFolderOption(app)) {
+    explicit RunCommand(CLI::App& app) : words_(app, "COMMAND", "The line of bash, in quotes") {
         app.add_flag("--yes", options_.isConfirmed, "Runs without asking");
         app.add_flag("--json", options_.wantsJson, "Prints what happened as one JSON object");
     }
 
     int run(CommandLineContext& context, StandardOutput& output) override {
-        if (folder_.count() > 0) context.useFolder(requiredWord(folder_));
-        const std::string line = requiredWord(command_);
-        if (trimmed(line).empty()) throw UsageError{"COMMAND is empty"};
-        const std::vector<FilePath> files = context.existingFiles(wordsOf(files_));
-        context.folder();
+        const std::string line = words_.text();
+        const std::vector<FilePath> files = words_.existingFiles(context);
         context.startLogging();
-
-        const CommandRoad road(options_);
-        RoadReport report = CommandRoad::predicted(line, files, context);
-        road.decide(report, files, context, output);
-        road.tell(report, output);
-        return CommandRoad::exitCodeOf(report);
+        CommandRoad road(context, files, options_, output);
+        road.flow().submitCommand({.id = newUuid(), .bashCommand = line});
+        return road.goToTheEnd();
     }
 
   private:
-    const CLI::Option& command_;
-    const CLI::Option& files_;
-    const CLI::Option& folder_;
+    RequestWords words_;
     CommandRoad::Options options_;
 };
 

@@ -2,64 +2,48 @@
 
 #include <unistd.h>
 
-#include <memory>
 #include <utility>
-
-#include "exec/progress_trackers.h"
 
 namespace brindlet {
 
-namespace {
-
-class TurningTracker final : public ProgressTracker {
-  public:
-    TurningTracker(std::unique_ptr<ProgressTracker> tracker, ProgressLine& line)
-        : tracker_(std::move(tracker)), line_(line) {}
-    void handleOutputLine(std::string_view line, const Report& report) override {
-        tracker_->handleOutputLine(line, report);
-    }
-    void handleElapsed(double seconds, const Report& report) override {
-        tracker_->handleElapsed(seconds, report);
-        line_.turn();
-    }
-
-  private:
-    std::unique_ptr<ProgressTracker> tracker_;
-    ProgressLine& line_;
-};
-
-}  // namespace
-
-RunDisplay::RunDisplay(Options options, StandardOutput& output, Interruption& interruption)
-    : options_(options), output_(output), interruption_(interruption) {
-    if (options.showsProgress && ProgressLine::canBeShownOn(STDOUT_FILENO)) progress_.emplace(STDOUT_FILENO);
-}
-
-TrackerChooser RunDisplay::trackers() {
-    return [this](std::string_view command) -> std::unique_ptr<ProgressTracker> {
-        auto tracker = chooseProgressTracker(command);
-        if (!tracker || !progress_) return tracker;
-        return std::make_unique<TurningTracker>(std::move(tracker), *progress_);
-    };
-}
+RunDisplay::RunDisplay(bool showsProgress, StandardOutput& output, std::function<void()> onDeafness)
+    : showsProgress_(showsProgress && ProgressLine::canBeShownOn(STDOUT_FILENO)),
+      output_(output),
+      onDeafness_(std::move(onDeafness)) {}
 
 void RunDisplay::follow(CommandRunner& runner) {
-    if (!progress_) return;
+    if (!showsProgress_) return;
     runner.divertOverwrittenLines([this](std::string_view line) {
-        overwritten_ = line;
-        show(OutputLine{overwritten_});
+        {
+            const std::lock_guard lock(guard_);
+            overwritten_ = line;
+        }
+        show(OutputLine{std::string(line)});
     });
 }
 
+void RunDisplay::begin() {
+    const std::lock_guard lock(guard_);
+    progress_.reset();
+    if (showsProgress_) progress_.emplace(STDOUT_FILENO);
+}
+
+void RunDisplay::end() {
+    const std::lock_guard lock(guard_);
+    if (!overwritten_.empty()) write(std::exchange(overwritten_, ""));
+    progress_.reset();
+}
+
 void RunDisplay::printLine(std::string_view line) {
+    const std::lock_guard lock(guard_);
     overwritten_.clear();
     // A tool whose status is its latest line has said it here.
-    if (options_.showsOutput && status_ == line) show(OutputLine{""});
+    if (progress_ && status_ == line) progress_->show(OutputLine{""});
     write(line);
 }
 
 void RunDisplay::write(std::string_view line) {
-    if (!options_.showsOutput || outputError_) return;
+    if (outputError_) return;
     if (progress_) progress_->hide();
     try {
         output_.write(line);
@@ -67,24 +51,30 @@ void RunDisplay::write(std::string_view line) {
         output_.flush();
     } catch (const OutputError& error) {
         outputError_ = error;
-        interruption_.request();
+        onDeafness_();
     }
     if (progress_) progress_->resume();
 }
 
 void RunDisplay::show(const CommandProgress& progress) {
+    const std::lock_guard lock(guard_);
     if (const auto* line = std::get_if<OutputLine>(&progress)) status_ = line->text;
     if (progress_) progress_->show(progress);
 }
 
+void RunDisplay::turn() {
+    const std::lock_guard lock(guard_);
+    if (progress_) progress_->turn();
+}
+
 void RunDisplay::reportProblem(const std::string& sentence) {
+    const std::lock_guard lock(guard_);
     if (progress_) progress_->hide();
     brindlet::reportProblem(sentence);
 }
 
 void RunDisplay::finish() {
-    if (!overwritten_.empty()) write(overwritten_);
-    progress_.reset();
+    end();
     if (outputError_) throw *outputError_;
 }
 

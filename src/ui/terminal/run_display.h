@@ -1,55 +1,62 @@
-// What people at a terminal see of a run while it goes on: the lines of its output and, below them, how far it is.
+// What people at a terminal see of a run while it goes on: the lines of its
+// output and, below them, how far it is.
 //
-//     RunDisplay display({.showsProgress = true}, output, interruption);
-//     CommandRunner runner(searchPath, presenter, display.trackers());
+//     RunDisplay display(true, output, [&] { cancelTheRun(); });
+//     CommandRunner runner(searchPath, presenter, chooseProgressTracker);
 //     display.follow(runner);
-//     runAccepted(..., [&](std::string_view line) { display.printLine(line); }, ...);
-//     display.finish();
+//     display.begin();
+//     runner.run(..., [&](std::string_view line) { display.printLine(line); },
+//     ...); display.end(); display.finish();
 #pragma once
 
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "exec/command_runner.h"
 #include "ui/terminal/console.h"
-#include "ui/terminal/interruption.h"
 #include "ui/terminal/progress_line.h"
 
 namespace brindlet {
 
+// Any thread may call it.
 class RunDisplay {
   public:
-    struct Options {
-        bool showsOutput = true;    // each line as it comes
-        bool showsProgress = true;  // where standard output is a terminal
-    };
+    // `showsProgress`: where standard output is a terminal. `onDeafness` is
+    // called, once, when nobody reads standard output any more: the command need
+    // not go on either.
+    RunDisplay(bool showsProgress, StandardOutput& output, std::function<void()> onDeafness);
 
-    // Where nobody reads standard output any more, `interruption` is requested: the command need not go on either.
-    RunDisplay(Options options, StandardOutput& output, Interruption& interruption);
-
-    // The tool's own tracker, by which a bar without a fraction moves as well.
-    TrackerChooser trackers();
-    // Lines that are meant to be overwritten are shown beside the bar, where there is one. Lasts as long as this.
+    // Lines that are meant to be overwritten are shown beside the bar, where
+    // there is one. Lasts as long as this.
     void follow(CommandRunner& runner);
+
+    // A new bar, which appears once it is worth showing, and its end.
+    void begin();
+    void end();
 
     void printLine(std::string_view line);
     void show(const CommandProgress& progress);
+    // Some time has passed: a bar without a fraction moves.
+    void turn();
     void reportProblem(const std::string& sentence);
 
-    // Takes the bar away. Throws OutputError where a line could not be printed.
+    // Throws OutputError where a line could not be printed.
     void finish();
 
   private:
     void write(std::string_view line);
 
-    Options options_;
+    bool showsProgress_;
     StandardOutput& output_;
-    Interruption& interruption_;
+    std::function<void()> onDeafness_;
+    std::mutex guard_;
     std::optional<ProgressLine> progress_;
     std::string status_;
-    std::string overwritten_;  // the latest line that would still stand in the last row of a terminal
+    std::string overwritten_;  // the latest line that would still stand in the
+                               // last row of a terminal
     std::optional<OutputError> outputError_;
 };
 

@@ -102,35 +102,24 @@ CommandEffect effectOfTitle(const std::string& title) {
     throw UsageError{fmt::format("there is no effect '{}'; the effects are {}", title, joined(titles, ", "))};
 }
 
-int exitCodeFor(const std::optional<Failure>& failure) {
-    if (!failure) return exitDone;
-    reportProblem(failure->description);
-    return exitFailed;
-}
-
 // One of the words behind `settings`.
-struct Action {
+struct SettingsAction {
     CLI::App& app;
     const CLI::Option* first = nullptr;
     const CLI::Option* second = nullptr;
-
-    Action(CLI::App& parent, const std::string& name, const std::string& summary, const std::string& example)
-        : app(*parent.add_subcommand(name, summary)) {
-        app.footer("Example:\n  brindlet settings " + example);
-    }
 };
 
 class SettingsCommand final : public Subcommand {
   public:
     explicit SettingsCommand(CLI::App& app)
-        : list_(app, "list", "Shows all settings", "list"),
-          get_(app, "get", "Prints one setting; nothing where it is unset", "get autoRunRiskLevel"),
-          set_(app, "set", "Changes one setting", "set translucentPromptWindow false"),
-          unset_(app, "unset", "Takes a setting back to what it was at first", "unset selectedModelName"),
-          allow_(app, "allow", "Says what may run without asking", "allow 'Rename files' on") {
+        : list_{addAction(app, "list", "Shows all settings", "list")},
+          get_{addAction(app, "get", "Prints one setting; nothing where it is unset", "get autoRunRiskLevel")},
+          set_{addAction(app, "set", "Changes one setting", "set translucentPromptWindow false")},
+          unset_{addAction(app, "unset", "Takes a setting back to what it was at first", "unset selectedModelName")},
+          allow_{addAction(app, "allow", "Says what may run without asking", "allow 'Rename files' on")} {
         app.require_subcommand(1);
         list_.app.add_flag("--json", wantsJson_, "Prints one JSON object");
-        for (Action* action : {&get_, &set_, &unset_})
+        for (SettingsAction* action : {&get_, &set_, &unset_})
             action->first = addWord(action->app, "KEY", "The setting's name");
         set_.second = addWord(set_.app, "VALUE", "What it becomes");
         allow_.first = addWord(allow_.app, "EFFECT", "What a command would do, such as 'Rename files'");
@@ -182,7 +171,7 @@ class SettingsCommand final : public Subcommand {
         return exitDone;
     }
 
-    Action list_, get_, set_, unset_, allow_;
+    SettingsAction list_, get_, set_, unset_, allow_;
     bool wantsJson_ = false;
 };
 

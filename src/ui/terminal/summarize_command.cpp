@@ -2,11 +2,13 @@
 
 #include <cerrno>
 
-#include "prompts/quick_commands.h"
+#include "ai/output_summary.h"
 #include "text/strings.h"
 #include "ui/json.h"
 #include "ui/terminal/arguments.h"
 #include "ui/terminal/exit_code.h"
+#include "ui/terminal/interruption.h"
+#include "ui/terminal/model_services.h"
 #include "ui/terminal/subcommand.h"
 
 namespace brindlet {
@@ -42,17 +44,27 @@ class SummarizeCommand final : public Subcommand {
         const std::vector<FilePath> files = context.namedFiles(wordsOf(files_));
         if (folder_.count() > 0) context.useFolder(requiredWord(folder_));
         const std::string text = allOfStandardInput();
-        std::optional<std::string> summary;
-        if (const auto quick = quickCommand(request_, files))
-            summary = quick->summarize({request_, command_, files, std::string(trimmed(text)), "", !hasFailed_});
+        const RunToSummarize run{.prompt = request_,
+                                 .command = command_,
+                                 .files = files,
+                                 .output = std::string(trimmed(text)),
+                                 .allSuccess = !hasFailed_};
+        context.startLogging();
+        const Interruption interruption;
+        ModelServices services(context);
+        const auto summary =
+            summarizeOutput(services.models(), context.models().summarizationModel(), run, interruption.token());
+        if (interruption.requested()) return exitCancelled;
         if (!summary) {
-            reportProblem("no quick rule summarises this, and no model can be asked yet");
+            reportProblem(summary.failure().description);
             return exitFailed;
         }
         if (wantsJson_)
-            output.write(jsonText(recordJson({{"summary", *summary}, {"from", "quick"}})) + "\n");
+            output.write(
+                jsonText(recordJson({{"summary", summary->text}, {"from", summary->isQuick ? "quick" : "model"}})) +
+                "\n");
         else
-            output.write(*summary + "\n");
+            output.write(summary->text + "\n");
         return exitDone;
     }
 

@@ -1,10 +1,6 @@
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <future>
-#include <mutex>
 #include <optional>
 
 #include "exec/packages.h"
@@ -14,16 +10,14 @@
 #include "ui/json.h"
 #include "ui/terminal/arguments.h"
 #include "ui/terminal/exit_code.h"
+#include "ui/terminal/installation_display.h"
 #include "ui/terminal/interruption.h"
-#include "ui/terminal/progress_line.h"
 #include "ui/terminal/shown_text.h"
 #include "ui/terminal/subcommand.h"
 
 namespace brindlet {
 
 namespace {
-
-constexpr std::chrono::milliseconds betweenTurns{100};
 
 std::string_view sourceName(PackageSource source) {
     constexpr std::string_view names[] = {"homebrew", "fenwold", "bundled"};
@@ -134,7 +128,7 @@ class ToolsCommand final : public Subcommand {
         packages.refresh(interruption.token());
         const bool wasInstalled = packages.isInstalled(name);
         const auto failure =
-            withProgress(packages, [&] { return packages.install(name, nullptr, interruption.token()); });
+            shownInstallation(packages, [&] { return packages.install(name, nullptr, interruption.token()); });
         return tell(failure, interruption, output,
                     wasInstalled ? name + " was installed already" : name + " is installed");
     }
@@ -143,7 +137,8 @@ class ToolsCommand final : public Subcommand {
         PackageManager& packages = context.packages();
         const std::string name = packageName(packages, *uninstall_.name);
         const Interruption interruption;
-        const auto failure = withProgress(packages, [&] { return packages.uninstall(name, interruption.token()); });
+        const auto failure =
+            shownInstallation(packages, [&] { return packages.uninstall(name, interruption.token()); });
         return tell(failure, interruption, output, name + " is removed");
     }
 
@@ -153,26 +148,6 @@ class ToolsCommand final : public Subcommand {
         for (const PackageInfo& package : packages.availablePackages())
             if (lowercased(package.name) == lowercased(typed)) return std::string(package.name);
         return typed;
-    }
-
-    // The bar moves on its own clock, so that one sees the program wait for a slow server.
-    template <class Work>
-    static std::optional<Failure> withProgress(PackageManager& packages, Work work) {
-        if (!ProgressLine::canBeShownOn(STDOUT_FILENO)) return work();
-        ProgressLine line(STDOUT_FILENO);
-        std::mutex guard;
-        packages.observe([&](const InstallationProgress& record) {
-            const std::lock_guard lock(guard);
-            if (!record.messages.empty()) line.show(OutputLine{record.messages.back()});
-            line.show(ProgressNorm{record.progress});
-        });
-        auto failure = std::async(std::launch::async, work);
-        while (failure.wait_for(betweenTurns) != std::future_status::ready) {
-            const std::lock_guard lock(guard);
-            line.turn();
-        }
-        packages.observe(nullptr);
-        return failure.get();
     }
 
     static int tell(const std::optional<Failure>& failure, const Interruption& interruption, StandardOutput& output,
