@@ -23,10 +23,11 @@ class FilePresenterTest : public testing::Test {
         const FilePath file = scratch.write(name, "#!/bin/sh\ncd " + scratch.path().text() + "\n" + script + "\n");
         std::filesystem::permissions(file.text(), std::filesystem::perms::owner_all);
     }
-    // `running` owns a name on the bus; calls end as `status`.
+    // `running` owns a name on the bus, which no accessibility bus is behind; calls end as `status`.
     void bus(const std::string& running, int status = 0) const {
         helper("dbus-send", "case $* in *ListNames*) echo '   string \":1.4\"'; echo '      string \"" + running +
-                                "\"';; *) shift 3; echo \"$*\" >> asked; exit " + std::to_string(status) + ";; esac");
+                                "\"';; *a11y*) exit 1;; *) shift 3; echo \"$*\" >> asked; exit " +
+                                std::to_string(status) + ";; esac");
     }
     std::unique_ptr<FilePresenter> open() {
         std::filesystem::remove(scratch.path("asked").text());

@@ -1,6 +1,9 @@
 // Shows files by the D-Bus interface org.freedesktop.FileManager1, asked through dbus-send(1), and folders through
 // xdg-open(1) where nobody offers that interface. Seen with Thunar 4.18, Nautilus 43, Nemo 5.6, Caja 1.26, PCManFM-Qt
 // 1.2 and Dolphin 22.12: of several items only Dolphin selects all in one window, the others open a window for each.
+// So the others are asked for the first, and the rest is selected in its window through the accessibility bus. Asking
+// for the folder instead opens no fewer windows (Thunar, Nemo, Caja: always a new one; Nautilus: neither way), and
+// where the rest can't be selected the first would need a window of its own.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -12,6 +15,8 @@
 
 #include "platform/child_process.h"
 #include "platform/file_presenter.h"
+#include "platform/linux/accessible_selection.h"
+#include "text/strings.h"
 
 namespace brindlet {
 
@@ -21,6 +26,7 @@ using PresenterClock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds helpPatience = 50ms;
+constexpr std::chrono::milliseconds longestSelecting = 3s;
 constexpr std::size_t mostNamesTold = 20;
 constexpr std::size_t mostReplyBytes = std::size_t{1} << 20;
 
@@ -67,7 +73,8 @@ std::string namesOf(const std::vector<FilePath>& items) {
 class TellingPresenter final : public FilePresenter {
   public:
     explicit TellingPresenter(TellUser tell) : tell_(std::move(tell)) {}
-    void selectInFileManager(const std::vector<FilePath>& items) override {
+    void selectInFileManager(const std::vector<FilePath>& items) override { tellSelection(items); }
+    void tellSelection(const std::vector<FilePath>& items) const {
         tell_(fmt::format("a file manager would now show {} selected: {}", counted(items), namesOf(items)));
     }
     void openFolder(const FilePath& folder) override { tell_("a file manager would now open " + folder.text()); }
@@ -113,16 +120,8 @@ class DesktopPresenter final : public FilePresenter {
     void selectInFileManager(const std::vector<FilePath>& items) override {
         if (items.empty()) return;
         const std::optional<std::string> manager = fileManager();
-        const bool selectsSeveral = manager && manager->starts_with(dolphinPrefix);
-        const std::vector<FilePath> shown = selectsSeveral ? items : std::vector<FilePath>{items.front()};
-        if (!call(manager, "ShowItems", shown)) {
-            if (!openByHandler(items.front().parent())) return withoutDesktop_.selectInFileManager(items);
-            return tell_(fmt::format("the file manager can only show the folder of the {} to select: {}",
-                                     counted(items), namesOf(items)));
-        }
-        if (shown.size() < items.size())
-            tell_(fmt::format("the file manager selects one item at a time, the first of these {}: {}", counted(items),
-                              namesOf(items)));
+        if (items.size() > 1 && manager && !manager->starts_with(dolphinPrefix)) return selectSeveral(*manager, items);
+        if (!call(manager, "ShowItems", items)) showFolderOf(items);
     }
 
     void openFolder(const FilePath& folder) override {
@@ -130,12 +129,61 @@ class DesktopPresenter final : public FilePresenter {
     }
 
   private:
+    // By a file manager that would open a window for each.
+    void selectSeveral(const std::string& manager, const std::vector<FilePath>& items) const {
+        std::optional<AccessibleSelection> selection;
+        if (hasAccessibilityBus())
+            selection.emplace(items, environment_, std::min<std::chrono::milliseconds>(longestHelp_, longestSelecting));
+        std::optional<pid_t> process = selection ? processOf(manager) : std::nullopt;
+        if (process && selection->selectWhereShown(*process)) return;
+        if (!call(manager, "ShowItems", {items.front()})) return showFolderOf(items);
+        // It may have been started only now.
+        process = selection ? processOf(manager) : std::nullopt;
+        if (process && selection->selectInWindowOfFirst(*process)) return;
+        tell_(fmt::format("the file manager selects one item at a time, the first of these {}: {}", counted(items),
+                          namesOf(items)));
+    }
+
+    void showFolderOf(const std::vector<FilePath>& items) const {
+        if (!openByHandler(items.front().parent())) return withoutDesktop_.tellSelection(items);
+        tell_(fmt::format("the file manager can only show the folder of the {} to select: {}", counted(items),
+                          namesOf(items)));
+    }
+
+    // Asking starts the bus where it doesn't run, as it does for the file manager itself. libatspi would ask too, but
+    // wait for the answer without end.
+    bool hasAccessibilityBus() const {
+        return send("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress", {}).status == 0;
+    }
+
+    std::optional<pid_t> processOf(const std::string& busName) const {
+        const HelperEnd end = send("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                   "org.freedesktop.DBus.GetConnectionUnixProcessID", {"string:" + busName});
+        constexpr std::string_view type = "uint32 ";
+        const std::size_t at = end.output.find(type);
+        if (end.status != 0 || at == std::string::npos) return std::nullopt;
+        const auto process = parsedInteger(trimmed(std::string_view(end.output).substr(at + type.size())));
+        return process ? std::optional<pid_t>(static_cast<pid_t>(*process)) : std::nullopt;
+    }
+
+    HelperEnd send(std::string_view name, std::string_view object, std::string_view method,
+                   const std::vector<std::string>& arguments) const {
+        std::vector<std::string> command{"/usr/bin/env",
+                                         "dbus-send",
+                                         "--session",
+                                         "--print-reply",
+                                         "--reply-timeout=" + std::to_string(longestHelp_.count()),
+                                         fmt::format("--dest={}", name),
+                                         std::string(object),
+                                         std::string(method)};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return runHelper(environment_, longestHelp_, std::move(command));
+    }
+
     // The bus name of the one that runs, else the shared one, which starts one; none where no bus answers.
     std::optional<std::string> fileManager() const {
         const HelperEnd listed =
-            runHelper(environment_, longestHelp_,
-                      {"/usr/bin/env", "dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus",
-                       "/org/freedesktop/DBus", "org.freedesktop.DBus.ListNames"});
+            send("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.ListNames", {});
         if (listed.status != 0) return std::nullopt;
         for (const std::string_view name : ownNames) {
             const std::string_view end = name == dolphinPrefix ? "" : "\"";
@@ -148,12 +196,8 @@ class DesktopPresenter final : public FilePresenter {
     bool call(const std::optional<std::string>& manager, std::string_view method,
               const std::vector<FilePath>& items) const {
         if (!manager) return false;
-        const HelperEnd end =
-            runHelper(environment_, longestHelp_,
-                      {"/usr/bin/env", "dbus-send", "--session", "--print-reply",
-                       "--reply-timeout=" + std::to_string(longestHelp_.count()), "--dest=" + *manager,
-                       "/org/freedesktop/FileManager1", fmt::format("{}.{}", sharedName, method),
-                       "array:string:" + fileUris(items), "string:"});
+        const HelperEnd end = send(*manager, "/org/freedesktop/FileManager1", fmt::format("{}.{}", sharedName, method),
+                                   {"array:string:" + fileUris(items), "string:"});
         return end.status == 0;
     }
 

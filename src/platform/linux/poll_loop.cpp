@@ -110,17 +110,15 @@ ThreadWorkers::~ThreadWorkers() {
 }
 
 void ThreadWorkers::start(std::function<void()> work) {
-    {
-        const std::lock_guard lock(guard_);
-        ++running_;
-    }
+    const std::lock_guard lock(guard_);
     std::thread([this, work = std::move(work)]() mutable {
         work();
         work = nullptr;  // what it holds goes before the end is told
-        const std::lock_guard lock(guard_);
+        const std::lock_guard ending(guard_);
         --running_;
         ended_.notify_all();
     }).detach();
+    ++running_;  // a thread that can't be had throws, and nobody waits for it
 }
 
 }  // namespace brindlet
