@@ -89,8 +89,11 @@ std::string shortPrompt(const RunToSummarize& run, std::string_view shown) {
     return text + fmt::format("\n{}\n\nSTDOUT TO SUMMARIZE: {}\n", shortExamplesText, shown);
 }
 
+// What was cut is long, also where nearly all that is left of it was blanks.
 std::string promptFor(const RunToSummarize& run, std::string_view shown) {
-    return characterCount(shown) < longOutputCharacters ? shortPrompt(run, shown) : longPrompt(run, shown);
+    const bool isLong =
+        characterCount(shown) >= longOutputCharacters || characterCount(run.output) > mostShownCharacters;
+    return isLong ? longPrompt(run, shown) : shortPrompt(run, shown);
 }
 
 }  // namespace

@@ -46,38 +46,21 @@ constexpr GlyphRow glyphRows[] = {
 };
 constexpr GlyphRow unknownGlyph{"", "•", "-"};
 
-struct ColorRow {
-    std::string_view name;
-    std::string_view escape;
-};
-// ECMA-48, 8.3.117; orange from the palette of 256.
-constexpr ColorRow colorRows[] = {
-    {"red", "\x1b[31m"},  {"green", "\x1b[32m"},        {"yellow", "\x1b[33m"},
-    {"blue", "\x1b[34m"}, {"orange", "\x1b[38;5;208m"}, {"bold", "\x1b[1m"},
-};
-constexpr std::string_view colorEnd = "\x1b[0m";
-
 struct RiskRow {
     RiskSummary key;
-    std::string_view color;
+    TextStyle style;
 };
 constexpr RiskRow riskRows[] = {
-    {RiskSummary::low, "green"},
-    {RiskSummary::medium, "orange"},
-    {RiskSummary::high, "red"},
+    {RiskSummary::low, TextStyle::green},
+    {RiskSummary::medium, TextStyle::orange},
+    {RiskSummary::high, TextStyle::red},
 };
 static_assert(rowsCover(riskRows, RiskSummary::high));
 
-std::string colored(std::string_view text, std::string_view color, const TerminalStyle& style) {
-    const auto row = std::ranges::find(colorRows, color, &ColorRow::name);
-    if (!style.hasColor || row == std::end(colorRows)) return std::string(text);
-    return std::string(row->escape).append(text).append(colorEnd);
-}
-
-std::string glyph(const ChangesViewIcon& icon, const TerminalStyle& style) {
+StyledSpan glyph(const ChangesViewIcon& icon, bool hasUnicode) {
     const auto found = std::ranges::find(glyphRows, icon.symbolName, &GlyphRow::symbolName);
     const GlyphRow& row = found == std::end(glyphRows) ? unknownGlyph : *found;
-    return colored(style.hasUnicode ? row.unicode : row.ascii, icon.color, style);
+    return {std::string(hasUnicode ? row.unicode : row.ascii), styleNamed(icon.color)};
 }
 
 // What the rows say of their own has at most one further line, at the end. Any line end before that is part of a name
@@ -89,13 +72,16 @@ std::vector<std::string> subtitleLines(std::string_view subtitle) {
     return {shownText(subtitle.substr(0, lastEnd)), shownText(subtitle.substr(lastEnd + 1))};
 }
 
-std::string rowText(const ChangesViewIconAndText& row, const TerminalStyle& style) {
-    std::string text = "  ";
-    if (row.icon) text += glyph(*row.icon, style) + ' ';
-    text += shownText(row.text) + '\n';
-    if (row.subtitle)
-        for (const std::string& line : subtitleLines(*row.subtitle)) text += "    " + line + '\n';
-    return text;
+void addRow(std::vector<StyledLine>& lines, const ChangesViewIconAndText& row, bool hasUnicode) {
+    StyledLine line = {{"  "}};
+    if (row.icon) {
+        line.push_back(glyph(*row.icon, hasUnicode));
+        line.push_back({" "});
+    }
+    line.push_back({shownText(row.text)});
+    lines.push_back(std::move(line));
+    if (!row.subtitle) return;
+    for (const std::string& text : subtitleLines(*row.subtitle)) lines.push_back({{"    "}, {text, TextStyle::dim}});
 }
 
 std::string titles(const std::set<CommandEffect>& effects) {
@@ -109,25 +95,25 @@ std::vector<ChangesViewIconAndText> rowsOf(const PredictReport& report) {
 }
 
 // What has to be installed first; nothing where all is there.
-std::string requirementsText(const PredictReport& report, const TerminalStyle& style) {
+void addRequirements(std::vector<StyledLine>& lines, const PredictReport& report, bool hasUnicode) {
     const auto packages = availablePackages();
     const auto package = std::ranges::find(packages, report.missingPackage.value_or(""), &PackageInfo::name);
-    if (package == packages.end()) return "";
+    if (package == packages.end()) return;
     const std::string name(package->name);
-    std::string text = colored("Requirements:", "bold", style) + '\n';
+    lines.push_back({{"Requirements:", TextStyle::bold}});
     if (report.needsHomebrew)
-        text +=
-            rowText({ChangesViewIcon{"red", "exclamationmark"},
-                     "Manual Homebrew installation is required, then Brindlet can automatically install Homebrew & " +
-                         name + ".",
-                     std::nullopt},
-                    style);
+        addRow(lines,
+               {ChangesViewIcon{"red", "exclamationmark"},
+                "Manual Homebrew installation is required, then Brindlet can automatically install Homebrew & " + name +
+                    ".",
+                std::nullopt},
+               hasUnicode);
     const bool isFromHomebrew = package->source == PackageSource::homebrew;
     const std::string installs = isFromHomebrew ? "Installs with Homebrew" : "Installs locally to Brindlet";
-    text += rowText({ChangesViewIcon{"blue", "arrow.down.circle.fill"}, "Downloads " + name,
-                     std::string(package->description) + "\n" + installs + ": brindlet tools install " + name},
-                    style);
-    return text;
+    addRow(lines,
+           {ChangesViewIcon{"blue", "arrow.down.circle.fill"}, "Downloads " + name,
+            std::string(package->description) + "\n" + installs + ": brindlet tools install " + name},
+           hasUnicode);
 }
 
 // Ordered by path and then by type, so that two runs print the same text.
@@ -162,15 +148,24 @@ Json toJson(const PredictReport& report) {
     });
 }
 
-std::string predictionText(const PredictReport& report, const TerminalStyle& style) {
+std::vector<StyledLine> predictionLines(const PredictReport& report, bool hasUnicode) {
     const auto effects = commandEffects(report.result, report.folder);
     const RiskSummary highest = riskSummary(effects);
     const auto reasons = reasonsToAsk(effects, report.toggles);
 
-    std::string text = requirementsText(report, style) + colored("Brindlet predicts:", "bold", style) + '\n';
-    for (const auto& row : rowsOf(report)) text += rowText(row, style);
-    text += "Risk: " + colored(caseName(highest), rowOf(riskRows, highest).color, style) + '\n';
-    if (!reasons.empty()) text += "Asks before running: " + titles(reasons) + '\n';
+    std::vector<StyledLine> lines;
+    addRequirements(lines, report, hasUnicode);
+    lines.push_back({{"Brindlet predicts:", TextStyle::bold}});
+    for (const auto& row : rowsOf(report)) addRow(lines, row, hasUnicode);
+    lines.push_back({{"Risk: "}, {std::string(caseName(highest)), rowOf(riskRows, highest).style}});
+    if (!reasons.empty()) lines.push_back({{"Asks before running: " + titles(reasons)}});
+    return lines;
+}
+
+std::string predictionText(const PredictReport& report, const TerminalStyle& style) {
+    std::string text;
+    for (const StyledLine& line : predictionLines(report, style.hasUnicode))
+        text += ansiText(line, style.hasColor) + '\n';
     return text;
 }
 

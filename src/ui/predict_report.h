@@ -8,11 +8,13 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "analysis/analysis_result.h"
 #include "analysis/risk.h"
 #include "platform/file_path.h"
 #include "ui/json.h"
+#include "ui/styled_text.h"
 
 namespace brindlet {
 
@@ -35,8 +37,10 @@ struct TerminalStyle {
     bool hasUnicode = true;  // else every icon is one ASCII character
 };
 
-// The heading, the rows with their subtitles below them, the risk and what would be asked about; ends in a line end.
-// Whatever the names and messages hold, the control characters in it are this function's own.
+// The heading, the rows with their subtitles below them, the risk and what would be asked about. Whatever the names and
+// messages hold, no control character is among them.
+std::vector<StyledLine> predictionLines(const PredictReport& report, bool hasUnicode);
+// The same as text that ends in a line end; the control characters in it are the colours.
 std::string predictionText(const PredictReport& report, const TerminalStyle& style);
 
 }  // namespace brindlet

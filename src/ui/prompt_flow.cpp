@@ -108,10 +108,11 @@ void PromptFlow::submit() {
     changed();
 }
 
-void PromptFlow::submitCommand(AICommand command) {
+void PromptFlow::submitCommand(AICommand command, bool asksFirst) {
     if (!services_.finder.activeFolderPath()) return presentError(std::string(noFolderText));
     cancelTask();
     view_.promptState = sendingRequest;
+    asksFirst_ = asksFirst;
     answered(std::move(command));
 }
 
@@ -319,7 +320,8 @@ void PromptFlow::decide() {
     const FilePath folder(services_.finder.activeFolderPath().value_or(""));
     view_.reasons = reasonsToAsk(commandEffects(view_.analysisResult, folder), services_.allowedEffects());
     const bool mayRun = view_.reasons.empty() || pureEchoText(view_.command->bashCommand);
-    if (mayRun && !view_.missingPackageName && !services_.alwaysAsks) {
+    const bool asksFirst = std::exchange(asksFirst_, false) || services_.alwaysAsks;
+    if (mayRun && !view_.missingPackageName && !asksFirst) {
         logInfo("Auto-running because side effects are compatible with user's settings");
         return runCommand();
     }

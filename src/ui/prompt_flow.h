@@ -143,8 +143,8 @@ class PromptFlow {
 
     void setPrompt(std::string text);  // cut to its first 250 characters
     void submit();
-    // A line of the user's own, as if a model had made it of `request`.
-    void submitCommand(AICommand command);
+    // A line of the user's own, as if a model had made it of `request`. `asksFirst`: whatever the settings allow.
+    void submitCommand(AICommand command, bool asksFirst = false);
     void confirmOrDismiss();
     void confirm();
     void refine();
@@ -202,6 +202,7 @@ class PromptFlow {
     PromptFlowView view_;
     std::function<void()> observer_;
     TaskPointer task_;
+    bool asksFirst_ = false;                  // at the next decision
     std::shared_ptr<bool> analysisDebounce_;  // the pending re-simulation; it counts while this is the same
     std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
 };

@@ -142,17 +142,17 @@ void PromptFlow::summarize(const TaskPointer& task, const std::shared_ptr<Run>& 
                         .output = std::string(trimmed(run->combinedOutput)),
                         .failures = run->failures,
                         .allSuccess = run->successes == run->selections.size()};
-    services_.workers.start([this, task, end, &models = services_.models,
-                             model = summaryModel(), told = std::move(told)] {
-        auto summary = summarizeOutput(models, model, told, task->stop.get_token());
-        // A run of which no model can tell is no error: its output tells of it.
-        const bool isUntold = !summary && models.whyUnusable(model);
-        task->post([this, end, isUntold, summary = std::move(summary)] {
-            if (isUntold) return end("");
-            if (!summary) return presentFailure(summary.failure());
-            end(summary->text);
+    services_.workers.start(
+        [this, task, end, &models = services_.models, model = summaryModel(), told = std::move(told)] {
+            auto summary = summarizeOutput(models, model, told, task->stop.get_token());
+            // A run of which no model can tell is no error: its output tells of it.
+            const bool isUntold = !summary && models.whyUnusable(model);
+            task->post([this, end, isUntold, summary = std::move(summary)] {
+                if (isUntold) return end("");
+                if (!summary) return presentFailure(summary.failure());
+                end(summary->text);
+            });
         });
-    });
 }
 
 void PromptFlow::install(bool runAfterwards) {

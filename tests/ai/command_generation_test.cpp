@@ -151,6 +151,10 @@ TEST(Summaries, PromptHasTheShapeOfItsOutput) {
          {.prompt = "p", .command = "c", .files = {}, .output = tooLong},
          {"a\n\n... <TRUNCATED 1 CHARACTERS> ...\n\nb"},
          {"é"}},
+        {"cut, and little of it left",
+         {.prompt = "p", .command = "c", .files = {}, .output = "a" + std::string(10000, ' ') + "b"},
+         {"a\n\n... <TRUNCATED 2 CHARACTERS> ...\n\nb\n\n====\n\nTHE ABOVE IS"},
+         {"STDOUT"}},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.what);

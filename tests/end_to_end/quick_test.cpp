@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "end_to_end/program.h"
+#include "support/asset_server.h"
+#include "text/strings.h"
 
 namespace brindlet {
 namespace quick_tests {
@@ -57,6 +59,43 @@ TEST(Ask, TheWholeRoadWithoutAModel) {
 
     EXPECT_EQ(program.run({"summarize", "--command", "wc -m a.txt", "--request", "length", "a.txt"}, "12 a.txt\n").out,
               "🔠 Character count: 12\n");
+}
+
+// What a model answers `action` with, and what comes of it.
+TEST(Action, RunsOnceAndInstallsNothing) {
+    struct Case {
+        const char* line;
+        int exitCode;
+        const char* output;
+        const char* state;
+        const char* error;  // none: empty
+    };
+    const Case cases[] = {
+        {"wc -c < $FILE_NAME", 0, "2\n", "complete", ""},  // the first file, no fan-out
+        {"pwd; ls", 0, "DISK\na.txt\nb.txt\n", "complete", ""},
+        {"magick a.txt b.png", 1, "", "presentingError",
+         "Can't run this command because you need to install ImageMagick"},
+    };
+    Program program;
+    program.disk.write("a.txt", "1\n");
+    program.disk.write("b.txt", "");
+    const bool hasMagick = program.run({"predict", "--json", cases[2].line}).json()["missingPackage"].is_null();
+    for (const auto& [line, exitCode, output, state, error] : cases) {
+        SCOPED_TRACE(line);
+        if (hasMagick && *error != '\0') continue;
+        const nlohmann::json part{{"type", "output_text"}, {"text", line}};
+        const nlohmann::json message{{"type", "message"}, {"content", nlohmann::json::array({part})}};
+        const nlohmann::json answer{{"output", nlohmann::json::array({message})}};
+        AssetServer server({{"/v1/responses", {.body = answer.dump()}}});
+        program.environment["BRINDLET_OPENAI_BASE_URL"] = server.url();
+        program.environment["OPENAI_API_KEY"] = "sk-test";
+        const Outcome outcome = program.run({"action", "--yes", "--json", "something odd", "a.txt", "b.txt"});
+        EXPECT_EQ(outcome.exitCode, exitCode) << outcome.err;
+        EXPECT_EQ(outcome.json()["output"], replacedAll(output, "DISK", program.disk.path().text()));
+        EXPECT_EQ(outcome.json()["state"], state);
+        EXPECT_EQ(outcome.json()["error"], *error == '\0' ? nlohmann::json() : nlohmann::json(error));
+    }
+    EXPECT_EQ(program.run({"history", "list", "--json"}).json().size(), 0U);
 }
 
 }  // namespace quick_tests

@@ -81,6 +81,12 @@ class AssetServer {
         return "http://" + host + ":" + std::to_string(port_);
     }
 
+    // From now on what is asked for there gets this answer.
+    void lay(const std::string& path, Asset asset) {
+        const std::lock_guard lock(mutex_);
+        assets_.insert_or_assign(path, std::move(asset));
+    }
+
     // Byte for byte, with its body. Waits for it; none comes within some seconds: empty.
     std::string request(std::size_t index) const {
         std::unique_lock lock(mutex_);
@@ -125,10 +131,11 @@ class AssetServer {
             if (request[0] != 'G' && request[0] != 'P') return;  // such as the beginning of TLS
         }
         const std::size_t begin = request.find(' ') + 1;
-        const auto found = assets_.find(request.substr(begin, request.find(' ', begin) - begin));
-        const Asset& asset = found == assets_.end() ? missing_ : found->second;
+        Asset asset = missing_;
         {
             const std::lock_guard lock(mutex_);
+            const auto found = assets_.find(request.substr(begin, request.find(' ', begin) - begin));
+            if (found != assets_.end()) asset = found->second;
             requests_.push_back(std::move(request));
         }
         arrived_.notify_all();

@@ -455,6 +455,10 @@ TEST(PromptFlow, WithoutAModelForTheSummaryTheOutputStandsForItself) {
     EXPECT_EQ(bench.state(), complete);
     EXPECT_EQ(bench.flow().view().result, "");
     EXPECT_EQ(bench.flow().view().fullCommandOutput, "done");
+
+    bench.flow().escape();
+    bench.flow().submitCommand({.id = newUuid(), .bashCommand = "pwd"}, /*asksFirst=*/true);
+    EXPECT_EQ(bench.state(), awaitingConfirmation);  // harmless, yet nobody has agreed to it
 }
 
 TEST(PromptFlow, TailOfAnOutput) {

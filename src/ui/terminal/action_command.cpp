@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <string>
+#include <system_error>
 
 #include "ui/terminal/arguments.h"
 #include "ui/terminal/command_road.h"
@@ -13,6 +15,12 @@ constexpr std::string_view tooManyText =
     "Sorry, Brindlet currently only supports up to 20 files at once. We're "
     "working on it though!";
 
+std::string temporaryFolder() {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    return error ? "/tmp" : folder.string();  // TMPDIR may name what isn't there
+}
+
 class ActionCommand final : public Subcommand {
   public:
     explicit ActionCommand(CLI::App& app) : words_(app, "REQUEST", "What is asked for, in quotes") {
@@ -26,9 +34,7 @@ class ActionCommand final : public Subcommand {
     int run(CommandLineContext& context, StandardOutput& output) override {
         const std::string request = words_.text();
         const std::vector<FilePath> files = words_.existingFiles(context);
-        if (!words_.namesFolder())
-            context.useFolder(files.empty() ? std::filesystem::temp_directory_path().string()
-                                            : files.front().parent().text());
+        if (!words_.namesFolder()) context.useFolder(files.empty() ? temporaryFolder() : files.front().parent().text());
         context.startLogging();
         CommandRoad road(context, files, options_, output);
         if (files.size() > mostFiles) {

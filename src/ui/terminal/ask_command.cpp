@@ -98,7 +98,8 @@ class AskCommand final : public Subcommand {
                       lines.size(), road.interruption());
         if (!number) return road.stop();
         road.askInAnyCase();
-        road.flow().submitCommand(finishedCommand(lines[*number - 1], {{AIRole::user, request}}, request));
+        road.flow().submitCommand(finishedCommand(lines[*number - 1], {{AIRole::user, request}}, request),
+                                  /*asksFirst=*/true);
     }
 
     RequestWords words_;

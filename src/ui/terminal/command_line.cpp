@@ -11,6 +11,7 @@
 #include "platform/read_only_launcher.h"
 #include "text/strings.h"
 #include "ui/terminal/arguments.h"
+#include "ui/terminal/bar_program.h"
 #include "ui/terminal/exit_code.h"
 #include "ui/terminal/subcommand.h"
 
@@ -50,10 +51,13 @@ constexpr SubcommandRow subcommandRows[] = {
 class CommandLine {
   public:
     CommandLine() : app_("Says what a line of bash will do, and runs it when you agree.", "brindlet") {
-        app_.require_subcommand(0, 1);  // none is fine with --version
+        app_.require_subcommand(0, 1);  // none is fine: then the bar is meant
+        files_ = addWords(app_, "FILE", "The items to begin with, where no subcommand is named");
+        folder_ = addFolderOption(app_);
         app_.add_flag("--version", wantsVersion_, "Says which version this is and what guards its predictions");
         app_.footer(
             "Example:\n  brindlet predict 'mv a.txt b.txt'\n\n"
+            "Without a subcommand, in a terminal, the bar opens: type a request, see what it would do, confirm.\n"
             "'brindlet SUBCOMMAND --help' tells more. '--' ends the options.");
         for (const SubcommandRow& row : subcommandRows) {
             CLI::App* app = app_.add_subcommand(std::string(row.name), std::string(row.summary));
@@ -76,8 +80,8 @@ class CommandLine {
                 fmt::format("brindlet {}\nsandbox of predictions: {}\n", version, openReadOnlyLauncher()->layers()));
             return exitDone;
         }
-        if (app_.get_subcommands().empty()) throw UsageError{"say what to do: " + namesOf(app_)};
         CommandLineContext context;
+        if (app_.get_subcommands().empty()) return openBar(context);
         return subcommands_.at(app_.get_subcommands().front())->run(context, output);
     }
 
@@ -89,6 +93,21 @@ class CommandLine {
     }
 
   private:
+    int openBar(CommandLineContext& context) const {
+        if (folder_->count() > 0) context.useFolder(requiredWord(*folder_));
+        const std::vector<std::string> names = wordsOf(*files_);
+        const std::vector<FilePath> files = context.namedFiles(names);
+        for (std::size_t at = 0; at < files.size(); ++at)
+            if (context.files().look(files[at]) == ItemKind::missing)
+                throw UsageError{unknownWordText(names[at], namesOf(app_))};
+        if (!canOpenBar()) throw UsageError{"say what to do: " + namesOf(app_)};
+        return runBar(context, files);
+    }
+
+    static std::string unknownWordText(const std::string& word, const std::string& known) {
+        return fmt::format("there is no '{}'; choose from {}", word, known);
+    }
+
     std::vector<const CLI::App*> typedPath() const {
         std::vector<const CLI::App*> path;
         for (const CLI::App* at = &app_; !at->get_subcommands().empty(); path.push_back(at))
@@ -112,13 +131,15 @@ class CommandLine {
                 return fmt::format("there is no option '{}'; a word that begins with '-' goes after '--'", word);
             return known.empty()
                        ? fmt::format("'{}' is one word too many; is a line with blanks in quotes?", withoutGuard(word))
-                       : fmt::format("there is no '{}'; choose from {}", withoutGuard(word), known);
+                       : unknownWordText(withoutGuard(word), known);
         }
         return known.empty() ? error.what() : "say what to do: " + known;
     }
 
     bool wantsVersion_ = false;
     CLI::App app_;
+    const CLI::Option* files_ = nullptr;
+    const CLI::Option* folder_ = nullptr;
     std::map<const CLI::App*, std::unique_ptr<Subcommand>> subcommands_;
 };
 

@@ -40,7 +40,8 @@ std::string missingToolText(const PromptFlowView& view) {
            "'brindlet tools install " + name + "' installs it";
 }
 
-std::string confirmQuestion(const PromptFlowView& view, FlowPackages& packages) {
+std::string confirmQuestion(const PromptFlowView& view, FlowPackages& packages, bool isAction) {
+    if (isAction) return "Are you sure you want run this command? [Enter/y] runs, [n/Escape] stops ";
     if (!view.missingPackageName) return "Run it? [Enter/y] runs, [n/Escape] stops ";
     if (packages.requiresInstallForPrediction(*view.missingPackageName))
         return "Install " + *view.missingPackageName +
@@ -74,6 +75,7 @@ CommandRoad::CommandRoad(CommandLineContext& context, std::vector<FilePath> file
         context, std::move(files),
         TerminalFlow::Options{.remembers = options_.remembers && !options_.isDryRun,
                               .summarizes = options_.summarizes,
+                              .fansOut = !options_.isAction,
                               .alwaysAsks = options_.isDryRun,
                               .model = options_.model,
                               .onLine =
@@ -135,8 +137,13 @@ int CommandRoad::goToTheEnd() {
 void CommandRoad::confirmOrStop() {
     const PromptFlowView& view = flow().view();
     if (options_.isDryRun) return;
+    // Who had enough while it was still predicted wants nothing of it.
+    wasStopped_ = interruption_.requested();
+    if (wasStopped_) return;
     const bool isAnswered = options_.isConfirmed && !mustAsk_;
     const bool isMissing = view.missingPackageName.has_value();
+    if (isMissing && options_.isAction)
+        return flow().presentError("Can't run this command because you need to install " + *view.missingPackageName);
     // Nothing is fetched behind the back of somebody who isn't there, whatever
     // has been agreed to beforehand; and what is still missing after it was
     // fetched will not come by fetching it again.
@@ -147,7 +154,7 @@ void CommandRoad::confirmOrStop() {
     } else {
         if (!options_.wantsJson || !isAnswered)
             writeTo(STDERR_FILENO, shownPrediction(*terminal_->currentPrediction(), STDERR_FILENO));
-        if (isAnswered || isAgreed(confirmQuestion(view, terminal_->packages()))) flow().confirm();
+        if (isAnswered || isAgreed(confirmQuestion(view, terminal_->packages(), options_.isAction))) flow().confirm();
     }
 }
 
