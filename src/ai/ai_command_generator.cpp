@@ -60,8 +60,8 @@ std::vector<AIMessage> AICommandGenerator::requestMessages(std::string systemPro
 
 ModelPace AICommandGenerator::paceOf(const AIModel& model) {
     if (model.provider != AIModelProvider::custom) return ModelPace::normal;
-    const CustomModel* custom = customModels_.withId(model.id);
-    return custom != nullptr && custom->isFast() ? ModelPace::fast : ModelPace::normal;
+    const auto custom = customModels_.withId(model.id);
+    return custom && custom->isFast() ? ModelPace::fast : ModelPace::normal;
 }
 
 Result<AICommand> AICommandGenerator::generateCommand(const std::string& prompt, const std::vector<FilePath>& files,

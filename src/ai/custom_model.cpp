@@ -94,7 +94,7 @@ std::vector<CustomModel> modelsIn(const FilePath& folder) {
     std::ranges::sort(names);
     std::vector<CustomModel> models;
     for (const std::string& name : names) {
-        if (name.starts_with('.') || !name.ends_with(modelFileEnding)) continue;
+        if (name.starts_with('.')) continue;
         if (auto model = modelIn(*files, folder.child(name))) models.push_back(std::move(*model));
     }
     return models;
@@ -171,34 +171,41 @@ Result<CustomModel> customModelFromJson(const ModelJson& json) {
 CustomModelList::CustomModelList(const FilePath& dataFolder, SecretStore& secrets)
     : folder_(dataFolder.child("Custom Models")), secrets_(secrets) {}
 
-const std::vector<CustomModel>& CustomModelList::all() {
+std::vector<CustomModel>& CustomModelList::loaded() {
     if (!all_) all_ = modelsIn(folder_);
     return *all_;
 }
 
+std::vector<CustomModel> CustomModelList::all() {
+    const std::lock_guard lock(guard_);
+    return loaded();
+}
+
 std::vector<CustomModel> CustomModelList::validModels() {
-    std::vector<CustomModel> valid;
-    std::ranges::copy_if(all(), std::back_inserter(valid), [](const CustomModel& model) {
-        return !trimmedBlanks(model.baseURL).empty() && !trimmedBlanks(model.modelName).empty();
+    std::vector<CustomModel> valid = all();
+    std::erase_if(valid, [](const CustomModel& model) {
+        return trimmedBlanks(model.baseURL).empty() || trimmedBlanks(model.modelName).empty();
     });
     return valid;
 }
 
-const CustomModel* CustomModelList::withId(std::string_view id) {
-    const auto found = std::ranges::find(all(), id, &CustomModel::id);
-    return found == all_->end() ? nullptr : &*found;
+std::optional<CustomModel> CustomModelList::withId(std::string_view id) {
+    const std::lock_guard lock(guard_);
+    const auto found = std::ranges::find(loaded(), id, &CustomModel::id);
+    return found == all_->end() ? std::nullopt : std::optional(*found);
 }
 
 std::optional<Failure> CustomModelList::add(const CustomModel& model) {
-    all();
+    const std::lock_guard lock(guard_);
+    loaded();
     if (auto failure = writeModel(folder_, model)) return failure;
     all_->push_back(model);
     return std::nullopt;
 }
 
 std::optional<Failure> CustomModelList::update(const CustomModel& model) {
-    all();
-    const auto place = std::ranges::find(*all_, model.id, &CustomModel::id);
+    const std::lock_guard lock(guard_);
+    const auto place = std::ranges::find(loaded(), model.id, &CustomModel::id);
     if (place == all_->end()) return Failure{"Custom model not found"};
     if (auto failure = writeModel(folder_, model)) return failure;
     *place = model;
@@ -206,8 +213,8 @@ std::optional<Failure> CustomModelList::update(const CustomModel& model) {
 }
 
 std::optional<Failure> CustomModelList::remove(std::string_view id) {
-    all();
-    const auto place = std::ranges::find(*all_, id, &CustomModel::id);
+    const std::lock_guard lock(guard_);
+    const auto place = std::ranges::find(loaded(), id, &CustomModel::id);
     if (place == all_->end()) return std::nullopt;
     const std::string itsId = place->id;  // `id` may be a view of it
     all_->erase(place);

@@ -6,6 +6,7 @@
 //     models.add(model);
 #pragma once
 
+#include <mutex>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
@@ -40,16 +41,17 @@ struct CustomModel {
 nlohmann::ordered_json toJson(const CustomModel& model);
 Result<CustomModel> customModelFromJson(const nlohmann::ordered_json& json);
 
+// Any thread may call it.
 class CustomModelList {
   public:
     // Lists the folder "Custom Models" in `dataFolder` at first use; a file that can't be read or decoded is passed
     // over and stays. `secrets` outlives it.
     CustomModelList(const FilePath& dataFolder, SecretStore& secrets);
 
-    const std::vector<CustomModel>& all();
+    std::vector<CustomModel> all();
     // Those with a name and a base URL, the rest of the program works with these.
     std::vector<CustomModel> validModels();
-    const CustomModel* withId(std::string_view id);
+    std::optional<CustomModel> withId(std::string_view id);
 
     // Write, rewrite or delete the file, too.
     std::optional<Failure> add(const CustomModel& model);
@@ -62,8 +64,12 @@ class CustomModelList {
     std::optional<Failure> setApiKey(std::string_view id, std::optional<std::string_view> key);
 
   private:
+    // With the guard held.
+    std::vector<CustomModel>& loaded();
+
     FilePath folder_;
     SecretStore& secrets_;
+    std::mutex guard_;
     std::optional<std::vector<CustomModel>> all_;
 };
 

@@ -83,9 +83,9 @@ std::optional<RequestError> takeDirectRoad(const ModelCallerSetup& setup, const 
     HttpRequest& request = outgoing.http;
     request.url = *base + request.url;
     if (!isUsableUrl(request.url)) return AIProxyError(Assertion{"Could not create a request URL"});
-    const std::string& key = setup.keys.key(wire.provider);
-    outgoing.secrets.push_back(key);
+    std::string key = setup.keys.key(wire.provider);
     request.headers.insert(request.headers.begin(), {std::string(wire.key.name), std::string(wire.key.value) + key});
+    outgoing.secrets.push_back(std::move(key));
     return std::nullopt;
 }
 
@@ -142,8 +142,8 @@ TextOrError askProvider(const ModelCallerSetup& setup, const WireFormat& wire, c
 
 TextOrError askCustom(const ModelCallerSetup& setup, const Conversation& conversation, const AIModel& model,
                       OutgoingRequest& outgoing, const std::stop_token& stop) {
-    const CustomModel* custom = setup.customModels.withId(model.id);
-    if (custom == nullptr) return RequestError(Failure{"Custom model not found"});
+    const auto custom = setup.customModels.withId(model.id);
+    if (!custom) return RequestError(Failure{"Custom model not found"});
     std::optional<std::string> key = setup.customModels.apiKey(custom->id);
     Result<HttpRequest> request = customRequest(*custom, key, conversation);
     if (key) outgoing.secrets.push_back(std::move(*key));
@@ -156,7 +156,7 @@ TextOrError askCustom(const ModelCallerSetup& setup, const Conversation& convers
 
 bool hasOwnKey(const ModelCallerSetup& setup, const AIModel& model) {
     if (model.provider != AIModelProvider::custom) return !setup.keys.key(model.provider).empty();
-    if (setup.customModels.withId(model.id) == nullptr) return false;
+    if (!setup.customModels.withId(model.id)) return false;
     std::optional<std::string> key = setup.customModels.apiKey(model.id);
     const bool hasKey = key && !key->empty();
     if (key) wipe(*key);

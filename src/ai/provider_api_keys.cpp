@@ -38,10 +38,10 @@ ProviderApiKeys::~ProviderApiKeys() {
         if (held) wipe(held->text);
 }
 
-const ProviderApiKeys::Held& ProviderApiKeys::held(AIModelProvider provider) {
-    static const Held nothing;
+ProviderApiKeys::Held ProviderApiKeys::held(AIModelProvider provider) {
     const auto index = static_cast<std::size_t>(provider);
-    if (index >= held_.size()) return nothing;
+    if (index >= held_.size()) return {};
+    const std::lock_guard lock(guard_);
     std::optional<Held>& held = held_[index];
     if (held) return *held;
     held.emplace(Held{});
@@ -57,7 +57,7 @@ const ProviderApiKeys::Held& ProviderApiKeys::held(AIModelProvider provider) {
     return *held;
 }
 
-const std::string& ProviderApiKeys::key(AIModelProvider provider) {
+std::string ProviderApiKeys::key(AIModelProvider provider) {
     return held(provider).text;
 }
 
@@ -81,6 +81,7 @@ std::optional<Failure> ProviderApiKeys::setKey(AIModelProvider provider, std::st
     if (index >= held_.size()) return Failure{"A custom model's key is stored with the model"};
     // `value` may be the key that is held. What holds from here on, the next question finds out.
     const std::string_view text = trimmed(value);
+    const std::lock_guard lock(guard_);
     auto failure = text.empty() ? secrets_.remove(keyAccount(provider)) : secrets_.write(keyAccount(provider), text);
     if (held_[index]) wipe(held_[index]->text);
     held_[index].reset();

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,7 @@ namespace brindlet {
 
 enum class KeyOrigin { none, stored, environment };
 
+// Any thread may call it.
 class ProviderApiKeys {
   public:
     // The providers that take a key, in order; all but `custom`.
@@ -32,7 +34,7 @@ class ProviderApiKeys {
     ~ProviderApiKeys();  // wipes what it holds
 
     // Trimmed; "" where there is none, and for `custom`.
-    const std::string& key(AIModelProvider provider);
+    std::string key(AIModelProvider provider);
     KeyOrigin origin(AIModelProvider provider);
     // Empty where no variable serves the provider.
     static std::string_view environmentVariable(AIModelProvider provider);
@@ -46,10 +48,11 @@ class ProviderApiKeys {
         std::string text;
         KeyOrigin origin = KeyOrigin::none;
     };
-    const Held& held(AIModelProvider provider);
+    Held held(AIModelProvider provider);
 
     SecretStore& secrets_;
     const Environment& environment_;
+    std::mutex guard_;
     std::array<std::optional<Held>, providers.size()> held_;
 };
 

@@ -62,11 +62,13 @@ void BoundedOutput::addLine(std::string_view line) {
 
 // Drops half of what the tail may have, so that each byte is moved only once or twice, however long this goes on.
 void BoundedOutput::dropOldestOfTail() {
-    const std::size_t kept = std::min(limit_ / 4, tail_.size());
-    std::size_t cut = tail_.find('\n', tail_.size() - kept);
-    cut = cut == std::string::npos ? tail_.size() : cut + 1;
+    const std::size_t oldestKept = tail_.size() - std::min(limit_ / 4, tail_.size());
+    const std::size_t lineEnd = tail_.find('\n', oldestKept);
+    // A line that is longer than all that is kept loses its beginning.
+    const bool cutsLine = lineEnd == std::string::npos || lineEnd + 1 == tail_.size();
+    const std::size_t cut = cutsLine ? oldestKept : lineEnd + 1;
     const auto end = tail_.begin() + static_cast<std::string::difference_type>(cut);
-    droppedLines_ += static_cast<std::size_t>(std::count(tail_.begin(), end, '\n'));
+    droppedLines_ += static_cast<std::size_t>(std::count(tail_.begin(), end, '\n')) + (cutsLine ? 1 : 0);
     tail_.erase(tail_.begin(), end);
 }
 

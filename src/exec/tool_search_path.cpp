@@ -20,6 +20,8 @@ constexpr std::string_view defaultShell = "/bin/zsh";
 constexpr std::string_view homebrewFolder = "/opt/homebrew/bin";
 // Where Homebrew really lies on Linux (docs.brew.sh/Homebrew-on-Linux).
 constexpr std::string_view linuxHomebrewFolder = "/home/linuxbrew/.linuxbrew/bin";
+// Below a folder of binaries: those whose name the system's own folders may hold for a program that does another job.
+constexpr std::string_view overridesName = "overrides";
 constexpr std::string_view systemFolders[] = {"/usr/bin", "/bin", "/usr/sbin", "/sbin", "/usr/local/bin"};
 
 // What a start file may take before the answer is done without. A prediction may be waiting.
@@ -119,6 +121,7 @@ std::vector<std::string> ToolSearchPath::leadingFolders() {
     std::vector<std::string> folders{std::string(homebrewFolder)};
     appendIfThere(folders, FilePath(linuxHomebrewFolder));
     appendIfThere(folders, packagesFolder_);
+    for (const FilePath& folder : binariesFolders_) appendIfThere(folders, folder.child(overridesName));
     return folders;
 }
 

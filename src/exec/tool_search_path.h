@@ -18,8 +18,9 @@ std::vector<std::string> loginShellPath(const Environment& environment);
 
 class ToolSearchPath {
   public:
-    // `packagesFolder` holds the tools that the program fetched itself, `binariesFolders` those that came with it; a
-    // folder that does not exist is left out.
+    // `packagesFolder` holds the tools that the program fetched itself, `binariesFolders` those that came with it, in a
+    // folder "overrides" those that stand in for the system's of the same name; a folder that does not exist is left
+    // out.
     ToolSearchPath(FileSystem& files, FilePath packagesFolder, std::vector<FilePath> binariesFolders,
                    Environment environment);
 

@@ -36,6 +36,7 @@ struct ToolOutcome {
 struct LaunchLimits {
     std::chrono::milliseconds wallClock{10'000};
     std::size_t outputBytes = 16 * 1024 * 1024;
+    int stopDescriptor = -1;  // once it can be read, no tool is waited for any more; -1: none
 };
 
 struct ReadOnlyLauncher {

@@ -61,7 +61,7 @@ TEST(BoundedOutput, KeepsAllUpToTheLimitAndThenTheBeginningAndTheEnd) {
     EXPECT_EQ(outputOf(11),
               "line 10\nline 11\nline 12\nline 13\nline 14\n[4 lines of output left out here]\nline 19\nline 20\n");
     EXPECT_EQ(outputOf(80), outputOf(5) + "[72 lines of output left out here]\nline 87\nline 88\nline 89\n");
-    EXPECT_EQ(outputOf(1, 1000), "line 10\n[1 lines of output left out here]\n");
+    EXPECT_EQ(outputOf(1, 1000), "line 10\n[1 lines of output left out here]\n" + std::string(19, 'x') + "\n");
 }
 
 }  // namespace brindlet

@@ -9,6 +9,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -254,6 +255,13 @@ TEST_F(Sandbox, EndsWhatRunsPastALimit) {
             EXPECT_EQ(launcher->run(launchOf(words, scratch.path())).exitCode, std::nullopt);
             EXPECT_LT(Clock::now() - start, milliseconds{2'000});
         }
+        // Nor is one waited for that nobody wants any more, as after Ctrl-C.
+        std::array<int, 2> ends{};
+        ASSERT_TRUE(::pipe(ends.data()) == 0 && ::write(ends[1], "!", 1) == 1);
+        const auto start = Clock::now();
+        const auto stopped = openReadOnlyLauncher({.stopDescriptor = ends[0]});
+        EXPECT_EQ(stopped->run(launchOf({"sleep", "60"}, scratch.path())).exitCode, std::nullopt);
+        EXPECT_LT(Clock::now() - start, milliseconds{2'000});
     });
 }
 

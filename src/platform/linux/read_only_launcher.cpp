@@ -140,14 +140,15 @@ class ToolRun {
     // else wait for us while we wait for it.
     void exchange() {
         if (unwritten_.empty()) child_.input.close();
-        std::array<pollfd, 4> files{{{child_.attempts.number(), POLLIN, 0},
+        std::array<pollfd, 5> files{{{child_.attempts.number(), POLLIN, 0},
                                      {child_.output.number(), POLLIN, 0},
                                      {child_.input.number(), POLLOUT, 0},
-                                     {child_.end.number(), POLLIN, 0}}};
+                                     {child_.end.number(), POLLIN, 0},
+                                     {limits_.stopDescriptor, POLLIN, 0}}};
         const milliseconds left = untilDeadline(deadline_);
         const milliseconds patience = child_.end ? left : std::min(left, endInterval);
         if (::poll(files.data(), files.size(), static_cast<int>(patience.count())) < 0) return;
-        if (files[0].revents & POLLIN) {
+        if ((files[0].revents & POLLIN) || files[4].revents) {
             mustBeUnknown_ = true;
             return;
         }

@@ -52,7 +52,6 @@ class Bar {
 
     void run() {
         flow().appear();
-        turn();
         terminal_.loop().runUntil([this] {
             if (needsDrawing_) draw();
             return hasLeft_;
@@ -89,15 +88,17 @@ class Bar {
                 answersFrom_ = std::chrono::steady_clock::now() + readingTime;
             }
         }
+        if (!isTurning_) turn();
         if (!isTyping_) field_.set(state == awaitingConfirmation ? view().editedBashCommand : view().prompt);
         needsDrawing_ = true;
     }
 
+    // Only while something is out: a bar at rest does nothing at all.
     void turn() {
-        if (flow().isBusy()) {
-            ++turn_;
-            needsDrawing_ = true;
-        }
+        isTurning_ = flow().isBusy();
+        if (!isTurning_) return;
+        ++turn_;
+        needsDrawing_ = true;
         terminal_.loop().postAfter(barTurnInterval, [this] { turn(); });
     }
 
@@ -272,6 +273,7 @@ class Bar {
     std::string note_;
     PromptState followed_ = enteringPrompt;
     std::chrono::steady_clock::time_point answersFrom_{};
+    bool isTurning_ = false;
     bool isTyping_ = false;
     bool isPicking_ = false;
     bool isOutputShown_ = false;

@@ -140,7 +140,7 @@ PackageManager& CommandLineContext::packages() {
 
 const AnalysisServices& CommandLineContext::analysisServices() {
     if (!services_) {
-        launcher_ = openReadOnlyLauncher();
+        launcher_ = openReadOnlyLauncher(launchLimits_);
         services_.emplace(AnalysisServices{.files = *files_,
                                            .launcher = *launcher_,
                                            .commands = builtInCommands(),

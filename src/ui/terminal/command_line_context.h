@@ -57,6 +57,8 @@ class CommandLineContext {
     PackageManager& packages();
     // All of it lives as long as this context.
     const AnalysisServices& analysisServices();
+    // No tool of a prediction is waited for once the descriptor can be read. Before the first prediction.
+    void endPredictionsOn(int descriptor) { launchLimits_.stopDescriptor = descriptor; }
 
   private:
     const FilePath& currentDirectory();
@@ -73,6 +75,7 @@ class CommandLineContext {
     std::unique_ptr<LogFile> log_;
     std::unique_ptr<ToolSearchPath> searchPath_;
     std::unique_ptr<PackageManager> packages_;
+    LaunchLimits launchLimits_;
     std::unique_ptr<ReadOnlyLauncher> launcher_;
     std::optional<AnalysisServices> services_;
 };

@@ -67,10 +67,10 @@ std::string shownPrediction(const PredictReport& report, int stream) {
 
 CommandRoad::CommandRoad(CommandLineContext& context, std::vector<FilePath> files, Options options,
                          StandardOutput& output)
-    : context_(context),
-      options_(std::move(options)),
+    : options_(std::move(options)),
       output_(output),
       display_(!options_.wantsJson, output, [this] { terminal_->loop().post([this] { flow().escape(); }); }) {
+    context.endPredictionsOn(interruption_.descriptor());
     terminal_ = std::make_unique<TerminalFlow>(
         context, std::move(files),
         TerminalFlow::Options{.remembers = options_.remembers && !options_.isDryRun,

@@ -62,7 +62,6 @@ class CommandRoad {
     void tellPeople();
     int exitCode() const;
 
-    CommandLineContext& context_;
     Options options_;
     StandardOutput& output_;
     Interruption interruption_;

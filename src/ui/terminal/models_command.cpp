@@ -92,9 +92,10 @@ std::string modelTable(const ModelOverview& overview) {
 }
 
 // The user's own model of that name, else of that id.
-const CustomModel* customModelNamed(CustomModelList& list, std::string_view name) {
-    const auto found = std::ranges::find(list.all(), name, &CustomModel::modelName);
-    return found != list.all().end() ? &*found : list.withId(name);
+std::optional<CustomModel> customModelNamed(CustomModelList& list, std::string_view name) {
+    const std::vector<CustomModel> all = list.all();
+    const auto found = std::ranges::find(all, name, &CustomModel::modelName);
+    return found != all.end() ? *found : list.withId(name);
 }
 
 int noSuchModel(std::string_view name) {
@@ -213,7 +214,7 @@ class ModelsCommand final : public Subcommand {
     }
 
     static int select(CommandLineContext& context, const std::string& name, StandardOutput& output) {
-        const CustomModel* custom = context.customModels().withId(name);
+        const auto custom = context.customModels().withId(name);
         const auto model = context.models().named(custom ? custom->modelName : name);
         if (!model) return noSuchModel(name);
         if (const auto failure = context.settings().setText(AIModelList::selectedModelNameKey, model->name))
@@ -228,7 +229,7 @@ class ModelsCommand final : public Subcommand {
                           StandardOutput& output) {
         std::optional<Failure> failure;
         std::string shownName = name;
-        if (const CustomModel* custom = customModelNamed(context.customModels(), name)) {
+        if (const auto custom = customModelNamed(context.customModels(), name)) {
             CustomModel changed = *custom;
             changed.enabled = isEnabled;
             shownName = changed.modelName;
@@ -266,7 +267,7 @@ class ModelsCommand final : public Subcommand {
     }
 
     static int remove(CommandLineContext& context, const std::string& name, StandardOutput& output) {
-        const CustomModel* model = customModelNamed(context.customModels(), name);
+        const auto model = customModelNamed(context.customModels(), name);
         if (!model) {
             if (!context.models().named(name)) return noSuchModel(name);
             reportProblem(

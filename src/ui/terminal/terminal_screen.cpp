@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -104,6 +105,29 @@ void noteSize(int) {
     errno = savedError;
 }
 
+// What gives the terminal back where the program can't come to its end any more.
+constexpr std::array fatalSignals = {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL};
+termios modesBefore{};
+std::string goodbye;  // not changed while the handlers are there
+
+void giveTerminalBack(int signal) {
+    [[maybe_unused]] const ssize_t written = ::write(STDOUT_FILENO, goodbye.data(), goodbye.size());
+    ::tcsetattr(STDIN_FILENO, TCSANOW, &modesBefore);
+    ::raise(signal);  // by now it has its usual meaning again
+}
+
+void setFatalHandlers(bool isOn) {
+    struct sigaction action {};
+    action.sa_handler = isOn ? giveTerminalBack : SIG_DFL;
+    action.sa_flags = isOn ? static_cast<int>(SA_RESETHAND | SA_NODEFER) : 0;
+    for (const int signal : fatalSignals) ::sigaction(signal, &action, nullptr);
+}
+
+std::string capability(const char* name) {
+    const char* text = ::tigetstr(name);
+    return text == nullptr || text == reinterpret_cast<const char*>(-1) ? "" : text;
+}
+
 std::optional<Key::Kind> kindOf(int code, const auto& rows) {
     for (const KeyRow& row : rows)
         if (row.code == code) return row.kind;
@@ -174,6 +198,7 @@ struct TerminalScreen::State {
 
 TerminalScreen::TerminalScreen(bool hasColor, bool hasUnicode) : state_(std::make_unique<State>()) {
     std::setlocale(LC_CTYPE, "");
+    ::tcgetattr(STDIN_FILENO, &modesBefore);
     state_->screen = ::newterm(nullptr, stdout, stdin);
     if (state_->screen == nullptr)
         throw ScreenError{"this kind of terminal can't be drawn on: set TERM to what it is, or use 'brindlet ask'"};
@@ -192,6 +217,8 @@ TerminalScreen::TerminalScreen(bool hasColor, bool hasUnicode) : state_(std::mak
     ::nodelay(stdscr, TRUE);
     for (const SequenceRow& row : sequenceRows) ::define_key(row.sequence, row.code);
     writeTo(STDOUT_FILENO, askForPasteMarks);
+    goodbye = std::string(endPasteMarks) + capability("sgr0") + capability("cnorm") + capability("rmcup");
+    setFatalHandlers(true);
 
     [[maybe_unused]] const int opened = ::pipe2(sizePipe.data(), O_CLOEXEC | O_NONBLOCK);
     struct sigaction action {};
@@ -201,6 +228,7 @@ TerminalScreen::TerminalScreen(bool hasColor, bool hasUnicode) : state_(std::mak
 }
 
 TerminalScreen::~TerminalScreen() {
+    setFatalHandlers(false);
     ::sigaction(SIGWINCH, &state_->earlierAction, nullptr);
     writeTo(STDOUT_FILENO, endPasteMarks);
     ::endwin();
