@@ -86,7 +86,8 @@ struct FlowServices {
         const std::string& line, const std::vector<FilePath>& files, const FilePath& folder,
         const std::function<void(const CommandProgress&)>& onProgress, const std::stop_token& stop)>
         run;
-    // Shows new files in the file manager; empty: nobody wants that. `exists` is asked of each before.
+    // Shows new files in the file manager, on a worker's thread; empty: nobody wants that. `exists` is asked of each
+    // before.
     std::function<void(const std::vector<FilePath>& files)> reveal{};
     std::function<bool(const FilePath&)> exists{};
     CommandHistoryStore* history = nullptr;  // none: nothing is remembered

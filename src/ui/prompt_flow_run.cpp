@@ -125,7 +125,8 @@ void PromptFlow::revealNewFiles(const FilePath& folder) {
     const bool areAllHere = std::ranges::all_of(created, [&](const FilePath& file) {
         return file.parent() == folder && (!services_.exists || services_.exists(file));
     });
-    if (!created.empty() && areAllHere && created.size() < tooManyToReveal) services_.reveal(created);
+    if (!created.empty() && areAllHere && created.size() < tooManyToReveal)
+        services_.workers.start([reveal = services_.reveal, created] { reveal(created); });
 }
 
 void PromptFlow::summarize(const TaskPointer& task, const std::shared_ptr<Run>& run) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <optional>
 
 #include "end_to_end/program.h"
 #include "support/asset_server.h"
@@ -65,43 +66,56 @@ TEST(Tools, APredictionSaysWhatIsMissing) {
     EXPECT_TRUE(isListedAs(program, "Pandoc", "available"));
 }
 
-// Homebrew's stand-in makes the tool, unless it is told to fail.
+// Homebrew's stand-in makes the tool that it is asked for, unless it is told to fail.
 constexpr std::string_view standInBrew = R"(#!/bin/bash
 [ "$1" = install ] || exit 0
 [ -e "$0.fails" ] && exit 3
-printf '#!/bin/bash\necho "tool ran: $*"\n' > "$(dirname "$0")/magick"
-chmod 755 "$(dirname "$0")/magick"
+printf '#!/bin/bash\necho "tool ran: $*"\n' > "$(dirname "$0")/$2"
+chmod 755 "$(dirname "$0")/$2"
 )";
 
+struct Tool {
+    std::string package, command, arguments;
+};
+// The first that this machine doesn't have.
+std::optional<Tool> missingTool() {
+    const Tool tools[] = {{"QPDF", "qpdf", "--linearize a.pdf b.pdf"}, {"Gifsicle", "gifsicle", "a.gif -o b.gif"}};
+    for (const Tool& tool : tools)
+        if (!isListedAs(Program(), tool.package, "available")) return tool;
+    return std::nullopt;
+}
+
 TEST(Tools, WhatIsMissingIsInstalledBeforeTheRun) {
+    const auto tool = missingTool();
+    if (!tool) GTEST_SKIP() << "this machine has every tool that could be missing";
     struct Case {
         std::vector<std::string> words;
         std::string_view keys;  // none: nobody is there
         int exitCode;
-        std::string_view says;
+        std::string says;
         bool brewFails = false;
     };
-    const std::string line = "magick a.png b.jpg", question = "Install ImageMagick and run it?";
+    const std::string line = tool->command + " " + tool->arguments, name = tool->package;
+    const std::string question = "Install " + name + " and run it?";
     const Case cases[] = {
-        {{"run", line}, "", 1, "since ImageMagick is missing: 'brindlet tools install ImageMagick' installs it"},
-        {{"run", "--yes", line}, "", 1, "'brindlet tools install ImageMagick'"},
-        {{"run", line}, "n", 130, "Downloads ImageMagick"},
-        {{"run", line}, "y", 0, "tool ran: a.png b.jpg"},
-        {{"run", line}, "y", 1, "install imagemagick", true},
+        {{"run", line}, "", 1, "since " + name + " is missing: 'brindlet tools install " + name + "' installs it"},
+        {{"run", "--yes", line}, "", 1, "'brindlet tools install " + name + "'"},
+        {{"run", line}, "n", 130, "Downloads " + name},
+        {{"run", line}, "y", 0, "tool ran: " + tool->arguments},
+        {{"run", line}, "y", 1, "install " + tool->command, true},
     };
     for (const auto& [words, keys, exitCode, says, brewFails] : cases) {
         SCOPED_TRACE(says);
         Program program;
-        program.disk.write("a.png", "");
+        for (const char* file : {"a.pdf", "a.gif"}) program.disk.write(file, "");
         const FilePath brew = program.home.write("bin/brew", standInBrew);
         if (brewFails) program.home.write("bin/brew.fails", "");
         std::filesystem::permissions(brew.text(), std::filesystem::perms::owner_all);
         program.environment["PATH"] += ":" + brew.parent().text();
-        if (isListedAs(program, "ImageMagick", "available")) GTEST_SKIP() << "this machine has a tool of its own";
         const Outcome outcome = keys.empty() ? program.run(words) : program.runAtTerminal(words, question, keys);
         EXPECT_EQ(outcome.exitCode, exitCode) << outcome.out << outcome.err;
         EXPECT_NE((outcome.out + outcome.err).find(says), std::string::npos) << outcome.out << outcome.err;
-        EXPECT_EQ(program.home.exists("bin/magick"), exitCode == 0);
+        EXPECT_EQ(program.home.exists("bin/" + tool->command), exitCode == 0);
     }
 }
 

@@ -412,7 +412,7 @@ TEST(PromptFlow, NewFilesAreRevealedWhereAllAreThere) {
         bench.request("make a new thing");
         bench.step();
         if (bench.state() == awaitingConfirmation) bench.flow().confirm();
-        bench.step();
+        bench.finish();
         EXPECT_EQ(bench.revealed.size(), revealed);
     }
 }

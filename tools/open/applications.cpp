@@ -6,6 +6,7 @@
 #include <fstream>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include "platform/environment.h"
 #include "text/characters.h"
@@ -51,8 +52,9 @@ struct TextKey {
     std::string Application::*field;
 };
 constexpr TextKey textKeys[] = {
-    {"Name", &Application::name}, {"GenericName", &Application::genericName}, {"Exec", &Application::command},
-    {"Icon", &Application::icon}, {"Path", &Application::folder},
+    {"Name", &Application::name},    {"GenericName", &Application::genericName},
+    {"Exec", &Application::command}, {"Icon", &Application::icon},
+    {"Path", &Application::folder},
 };
 struct FlagKey {
     std::string_view name;
@@ -176,12 +178,21 @@ std::vector<std::string> filledIn(const Application& application, const std::vec
                 continue;
             }
             switch (word[++at]) {
-                case '%': text += '%'; break;
-                case 'c': text += application.name; break;
-                case 'k': text += application.file; break;
+                case '%':
+                    text += '%';
+                    break;
+                case 'c':
+                    text += application.name;
+                    break;
+                case 'k':
+                    text += application.file;
+                    break;
                 case 'f':
-                case 'u': text += files.empty() ? "" : files.front(); break;
-                default: break;  // the codes that were given up
+                case 'u':
+                    text += files.empty() ? "" : files.front();
+                    break;
+                default:
+                    break;  // the codes that were given up
             }
         }
         filled.push_back(text);

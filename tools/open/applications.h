@@ -11,13 +11,13 @@
 namespace brindlet::tools {
 
 struct Application {
-    std::string id;           // "org.gnome.gedit.desktop"
-    std::string file;         // the desktop file
-    std::string name;         // "Text Editor"
-    std::string genericName;  // what kind it is
-    std::string command;      // Exec as it stands, with its field codes
-    std::string icon;
-    std::string folder;  // where it is to start; "" where that doesn't matter
+    std::string id{};           // "org.gnome.gedit.desktop"
+    std::string file{};         // the desktop file
+    std::string name{};         // "Text Editor"
+    std::string genericName{};  // what kind it is
+    std::string command{};      // Exec as it stands, with its field codes
+    std::string icon{};
+    std::string folder{};  // where it is to start; "" where that doesn't matter
     bool needsTerminal = false;
     bool isHidden = false;  // the user has removed it
 };

@@ -23,8 +23,8 @@ namespace {
 namespace fs = std::filesystem;
 
 // -n, -g, -j and -F ask for what the desktop decides here.
-constexpr OptionRow openOptions[] = {{"-a", true}, {"-e"}, {"-t"}, {"-R"}, {"-W"}, {"-n"},
-                                     {"-g"},       {"-j"}, {"-F"}, {"-u", true}};
+constexpr OptionRow openOptions[] = {{"-a", true}, {"-e"}, {"-t"}, {"-R"}, {"-W"},
+                                     {"-n"},       {"-g"}, {"-j"}, {"-F"}, {"-u", true}};
 
 constexpr std::string_view openUsage = "open takes files, folders or addresses, -a APPLICATION, -e, -t, -R and -W";
 
@@ -49,10 +49,9 @@ constexpr StandIn standIns[] = {
     {"system preferences", Role::named, "Settings"},
 };
 
-constexpr std::string_view terminals[] = {"x-terminal-emulator", "xdg-terminal-exec", "gnome-terminal", "kgx",
-                                          "konsole",             "xfce4-terminal",    "mate-terminal",  "qterminal",
-                                          "lxterminal",          "alacritty",         "kitty",          "foot",
-                                          "xterm"};
+constexpr std::string_view terminals[] = {
+    "x-terminal-emulator", "xdg-terminal-exec", "gnome-terminal", "kgx",   "konsole", "xfce4-terminal", "mate-terminal",
+    "qterminal",           "lxterminal",        "alacritty",      "kitty", "foot",    "xterm"};
 
 struct Request {
     std::vector<std::string> items;      // absolute paths and addresses
@@ -80,9 +79,16 @@ bool isAddress(std::string_view word) {
     return std::all_of(word.begin(), word.begin() + static_cast<std::ptrdiff_t>(colon), isAllowed);
 }
 
+// As the folders above it really lie; a link stays one.
+std::string realPlaceOf(const fs::path& item) {
+    const std::string name = item.filename().string();
+    if (name.empty() || name == "." || name == "..") return fs::canonical(item).string();
+    return (fs::canonical(item.has_parent_path() ? item.parent_path() : ".") / name).string();
+}
+
 std::string itemFor(const std::string& word) {
     std::error_code error;
-    if (fs::exists(fs::symlink_status(word, error))) return fs::absolute(word).lexically_normal().string();
+    if (fs::exists(fs::symlink_status(word, error))) return realPlaceOf(word);
     if (isAddress(word)) return word;
     throw ToolFailure{"'" + word + "' doesn't exist"};
 }
@@ -138,8 +144,7 @@ int openWith(const Application& application, const Request& request) {
 }
 
 int openWithHandlerOf(std::string_view type, const Request& request) {
-    const Captured asked =
-        capture({neededProgram("xdg-mime", "xdg-utils"), "query", "default", std::string(type)});
+    const Captured asked = capture({neededProgram("xdg-mime", "xdg-utils"), "query", "default", std::string(type)});
     // Several ids, where one of them may not be installed.
     for (const std::string& id : splitNonEmpty(trimmed(asked.output), ";"))
         if (const auto application = applicationWithId(id)) return openWith(*application, request);
@@ -156,8 +161,8 @@ std::string lowerBareName(std::string_view asked) {
 int openWithNamed(const std::string& asked, const Request& request) {
     if (const auto application = applicationNamed(asked)) return openWith(*application, request);
     const std::string name = lowerBareName(asked);
-    const auto* row = std::find_if(std::begin(standIns), std::end(standIns),
-                                   [&](const StandIn& each) { return each.asked == name; });
+    const auto* row =
+        std::find_if(std::begin(standIns), std::end(standIns), [&](const StandIn& each) { return each.asked == name; });
     if (row != std::end(standIns)) {
         if (row->role == Role::terminal) return openTerminal(request);
         if (row->role == Role::handlerOf) return openWithHandlerOf(row->detail, request);

@@ -63,17 +63,14 @@ bool isProgram(const fs::path& path) {
     return fs::is_regular_file(path, ignored) && ::access(path.c_str(), X_OK) == 0;
 }
 
+bool isThisProgram(const fs::path& path) {
+    std::error_code ignored;
+    return fs::equivalent(path, "/proc/self/exe", ignored);
+}
+
 std::string freshName(std::string_view ending) {
     std::random_device random;
     return fmt::format(".brindlet-{:08x}{:08x}{}", random(), random(), ending);
-}
-
-// Where the bytes are to lie in the end: the name itself, or what it links to.
-fs::path realPlace(const fs::path& place) {
-    std::error_code error;
-    if (!fs::is_symlink(place, error)) return place;
-    const fs::path target = fs::weakly_canonical(place, error);
-    return error ? place : target;
 }
 
 // A device or a pipe is written to, and no file can stand in for it.
@@ -88,6 +85,26 @@ std::string endingOf(const fs::path& place) {
     return ending.size() <= longestEnding ? ending : "";
 }
 
+// What is opened later must not take the number of a standard stream that this process was started without.
+void openStandardStreams() {
+    for (int stream = 0; stream < 3; ++stream)
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == 0 ? O_RDONLY : O_WRONLY);
+}
+
+// Should a copy of these wrappers lie where nobody expects it, two may take each other for the real program. That ends
+// here, long before the machine feels it; programs that rightly call each other don't stand so deep.
+constexpr const char* depthVariable = "BRINDLET_TOOL_DEPTH";
+constexpr int deepestCall = 16;
+
+void countCall() {
+    const char* text = std::getenv(depthVariable);
+    const int depth = text == nullptr ? 0 : std::atoi(text);
+    if (depth >= deepestCall)
+        throw ToolFailure{"it was called by itself again and again: a second copy of it must lie on PATH",
+                          statusMissingEngine};
+    ::setenv(depthVariable, std::to_string(depth + 1).c_str(), 1);
+}
+
 }  // namespace
 
 void complain(std::string_view name, std::string_view sentence) {
@@ -99,6 +116,7 @@ int toolMain(std::string_view name, int count, char** words,
              const std::function<int(const std::vector<std::string>& arguments)>& work) {
     openStandardStreams();
     try {
+        countCall();
         const int status = work({words + std::min(count, 1), words + count});
         if (std::fflush(stdout) == 0) return status;
         complain(name, "the output can't be written");
@@ -119,7 +137,8 @@ std::optional<std::string> programPath(std::string_view name) {
     const char* const path = std::getenv("PATH");
     for (const std::string& folder : splitNonEmpty(path ? path : "/usr/bin:/bin", ":")) {
         fs::path program = fs::path(folder) / name;
-        if (folder.starts_with('/') && isProgram(program) && !holdsWrappers(folder)) return program.string();
+        if (folder.starts_with('/') && isProgram(program) && !isThisProgram(program) && !holdsWrappers(folder))
+            return program.string();
     }
     return std::nullopt;
 }
@@ -131,6 +150,22 @@ std::string neededProgram(std::string_view name, std::string_view package) {
 
 std::string safeName(const std::string& name) {
     return name.starts_with('-') ? "./" + name : name;
+}
+
+fs::path realPlace(const fs::path& place) {
+    std::error_code error;
+    if (!fs::is_symlink(place, error)) return place;
+    const fs::path target = fs::weakly_canonical(place, error);
+    return error ? place : target;
+}
+
+void putInPlace(const fs::path& file, const fs::path& place) {
+    const fs::path target = realPlace(place);
+    std::error_code error;
+    const fs::file_status previous = fs::status(target, error);
+    if (fs::is_regular_file(previous)) fs::permissions(file, previous.permissions(), error);
+    fs::rename(file, target, error);
+    if (error) throw ToolFailure{fmt::format("'{}' can't be written: {}", place.string(), error.message())};
 }
 
 Output::Output(fs::path place) : place_(realPlace(place)) {
@@ -151,10 +186,7 @@ void Output::keep() {
     if (path_ == place_) return;
     std::error_code error;
     if (!fs::is_regular_file(path_, error)) throw ToolFailure{fmt::format("'{}' could not be made", place_.string())};
-    const fs::file_status previous = fs::status(place_, error);
-    if (fs::is_regular_file(previous)) fs::permissions(path_, previous.permissions(), error);
-    fs::rename(path_, place_, error);
-    if (error) throw ToolFailure{fmt::format("'{}' can't be written: {}", place_.string(), error.message())};
+    putInPlace(path_, place_);
     isKept_ = true;
 }
 

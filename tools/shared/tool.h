@@ -56,6 +56,11 @@ Captured capture(const std::vector<std::string>& words, std::string_view input =
 // A name that no program takes for an option: "-a" is "./-a".
 std::string safeName(const std::string& name);
 
+// Where the bytes of a file of that name lie: the name itself, or what it links to.
+std::filesystem::path realPlace(const std::filesystem::path& place);
+// Renames a finished file, made in the folder of `realPlace(place)`, over what is there, whose mode it keeps.
+void putInPlace(const std::filesystem::path& file, const std::filesystem::path& place);
+
 // A file on its way: written beside its place under a hidden name with the same ending, renamed into it by `keep`,
 // gone if that is never called, or a signal ends the tool.
 class Output {

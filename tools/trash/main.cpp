@@ -11,7 +11,8 @@ namespace brindlet::tools {
 
 namespace {
 
-constexpr OptionRow trashOptions[] = {{"-s"}, {"-stopOnError"}, {"--stopOnError"}, {"-v"}, {"-h"}, {"-help"}, {"--help"}};
+constexpr OptionRow trashOptions[] = {{"-s"}, {"-stopOnError"}, {"--stopOnError"}, {"-v"},
+                                      {"-h"}, {"-help"},        {"--help"}};
 
 constexpr std::string_view trashHelp =
     "Usage: trash [-s] [-v] FILE...\n\n"

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "platform/environment.h"
-#include "text/utf8.h"
 #include "shared/tool.h"
+#include "text/utf8.h"
 
 namespace brindlet::tools {
 

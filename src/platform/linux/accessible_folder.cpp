@@ -287,6 +287,14 @@ std::vector<Accessible> accessibleWindows(pid_t process, TimeLimit limit) {
     return windows;
 }
 
+std::string accessibleTitle(const Accessible& window) {
+    return nameOf(window);
+}
+
+bool isActiveWindow(const Accessible& window) {
+    return hasState(window, ATSPI_STATE_ACTIVE);
+}
+
 FolderWindow readFolderWindow(const Accessible& window, const FilePath& home, TimeLimit limit) {
     return WindowReader(home, limit).read(window);
 }

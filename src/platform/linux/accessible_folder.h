@@ -53,6 +53,10 @@ struct FolderWindow {
 
 std::vector<Accessible> accessibleWindows(pid_t process, TimeLimit limit);
 
+// The title of a window, and whether it is the one that has the keyboard.
+std::string accessibleTitle(const Accessible& window);
+bool isActiveWindow(const Accessible& window);
+
 // `home` is the folder for which path buttons that begin with its name, or with "Home", stand.
 FolderWindow readFolderWindow(const Accessible& window, const FilePath& home, TimeLimit limit);
 

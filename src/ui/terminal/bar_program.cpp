@@ -64,8 +64,8 @@ class Bar {
     PromptFlow& flow() { return terminal_.flow(); }
     const PromptFlowView& view() { return flow().view(); }
 
-    TerminalFlow::Options options() {
-        TerminalFlow::Options options;
+    FlowOptions options() {
+        FlowOptions options;
         options.trackers = chooseProgressTracker;
         options.tell = [this](const std::string& sentence) {
             terminal_.loop().post([this, sentence] {

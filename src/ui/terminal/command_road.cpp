@@ -73,18 +73,18 @@ CommandRoad::CommandRoad(CommandLineContext& context, std::vector<FilePath> file
     context.endPredictionsOn(interruption_.descriptor());
     terminal_ = std::make_unique<TerminalFlow>(
         context, std::move(files),
-        TerminalFlow::Options{.remembers = options_.remembers && !options_.isDryRun,
-                              .summarizes = options_.summarizes,
-                              .fansOut = !options_.isAction,
-                              .alwaysAsks = options_.isDryRun,
-                              .model = options_.model,
-                              .onLine =
-                                  [this](std::string_view line) {
-                                      if (printsLines_) display_.printLine(line);
-                                  },
-                              .prepareRunner = [this](CommandRunner& runner) { display_.follow(runner); },
-                              .trackers = chooseProgressTracker,
-                              .tell = [this](const std::string& sentence) { display_.reportProblem(sentence); }});
+        FlowOptions{.remembers = options_.remembers && !options_.isDryRun,
+                    .summarizes = options_.summarizes,
+                    .fansOut = !options_.isAction,
+                    .alwaysAsks = options_.isDryRun,
+                    .model = options_.model,
+                    .onLine =
+                        [this](std::string_view line) {
+                            if (printsLines_) display_.printLine(line);
+                        },
+                    .prepareRunner = [this](CommandRunner& runner) { display_.follow(runner); },
+                    .trackers = chooseProgressTracker,
+                    .tell = [this](const std::string& sentence) { display_.reportProblem(sentence); }});
     flow().observe([this] { follow(); });
     terminal_->loop().watch(interruption_.descriptor(), [this] {
         terminal_->loop().watch(interruption_.descriptor(),

@@ -1,4 +1,4 @@
-#include "ui/terminal/terminal_flow.h"
+#include "ui/terminal/flow_host.h"
 
 #include <string>
 #include <utility>
@@ -49,10 +49,11 @@ std::unique_ptr<FlowPackages> flowPackages(CommandLineContext& context) {
     return std::make_unique<ContextPackages>(context);
 }
 
-TerminalFlow::TerminalFlow(CommandLineContext& context, std::vector<FilePath> files, Options options)
+FlowHost::FlowHost(CommandLineContext& context, MainLoop& loop, std::vector<FilePath> files, FlowOptions options)
     : context_(context),
       files_(std::move(files)),
       options_(std::move(options)),
+      loop_(loop),
       models_(context),
       packages_(flowPackages(context)),
       presenter_(openFilePresenter(context.environment(), options_.tell)),
@@ -66,12 +67,12 @@ TerminalFlow::TerminalFlow(CommandLineContext& context, std::vector<FilePath> fi
     finder_.onChange([this] { flow_->selectionChanged(); });
 }
 
-TerminalFlow::~TerminalFlow() {
+FlowHost::~FlowHost() {
     flow_.reset();
     finish();
 }
 
-FlowServices TerminalFlow::services() {
+FlowServices FlowHost::services() {
     return {.loop = loop_,
             .workers = *workers_,
             .finder = finder_,
@@ -92,6 +93,10 @@ FlowServices TerminalFlow::services() {
                     if (options_.prepareRunner) options_.prepareRunner(runner);
                     return runner.run(line, files, folder, context_.environment(), options_.onLine, onProgress, stop);
                 },
+            .reveal = options_.reveals
+                          ? [this](const std::vector<FilePath>& created) { presenter_->selectInFileManager(created); }
+                          : std::function<void(const std::vector<FilePath>&)>(),
+            .exists = [this](const FilePath& file) { return context_.files().look(file) != ItemKind::missing; },
             .history = history_ ? &*history_ : nullptr,
             .model = options_.model,
             .summarizes = options_.summarizes,
@@ -99,20 +104,16 @@ FlowServices TerminalFlow::services() {
             .alwaysAsks = options_.alwaysAsks};
 }
 
-std::optional<PredictReport> TerminalFlow::currentPrediction() const {
+std::optional<PredictReport> FlowHost::currentPrediction() const {
     std::optional<PredictReport> report = prediction_;
     if (report) report->missingPackage = flow_->view().missingPackageName;
     return report;
 }
 
 // The folder and the selection are known here, so that nobody need wait for a round of asking.
-void TerminalFlow::select(std::vector<FilePath> files) {
+void FlowHost::select(std::vector<FilePath> files) {
     files_ = std::move(files);
     finder_.take({textsOf(files_), context_.folder().text()});
-}
-
-void TerminalFlow::runUntilIdle() {
-    loop_.runUntil([this] { return !flow_->isBusy(); });
 }
 
 }  // namespace brindlet
