@@ -235,6 +235,68 @@ TEST(PromptFlow, EscapeLeadsBackFromEveryWait) {
     }
 }
 
+TEST(PromptFlow, InputsOfTheEndStates) {
+    // How a flow comes to each of them.
+    const auto reach = [](Bench& bench, PromptState end) {
+        bench.predicted["rm a.txt"] = Bench::deletes("/w/a.txt");
+        bench.packages.missing = {"FFmpeg"};
+        bench.predicted["ffmpeg x"].requiredPackages = {"FFmpeg"};
+        bench.answer(end == question            ? "echo \"Which?\""
+                     : end == installingPackage ? "ffmpeg x"
+                     : end == complete          ? "echo \"Fine.\""
+                                                : "rm a.txt");
+        if (end == presentingError) bench.models.answers.front() = Failure{"no"};
+        bench.request("do something odd");
+        bench.step();
+        if (end == installingPackage) bench.flow().confirm();
+        ASSERT_EQ(bench.state(), end);
+    };
+    struct Case {
+        PromptState from;
+        void (PromptFlow::*input)();
+        PromptState to;
+    };
+    const Case cases[] = {
+        {installingPackage, &PromptFlow::escape, enteringPrompt},
+        {installingPackage, &PromptFlow::close, enteringPrompt},
+        {installingPackage, &PromptFlow::refine, installingPackage},
+        {installingPackage, &PromptFlow::submit, installingPackage},
+        {question, &PromptFlow::escape, enteringPrompt},
+        {question, &PromptFlow::refine, question},
+        {question, &PromptFlow::confirmOrDismiss, question},
+        {complete, &PromptFlow::escape, enteringPrompt},
+        {complete, &PromptFlow::refine, enteringFollowUpPrompt},
+        {complete, &PromptFlow::confirmOrDismiss, enteringPrompt},
+        {complete, &PromptFlow::confirm, complete},
+        {presentingError, &PromptFlow::escape, enteringPrompt},
+        {presentingError, &PromptFlow::refine, enteringFollowUpPrompt},
+        {presentingError, &PromptFlow::confirmOrDismiss, enteringPrompt},
+        {awaitingConfirmation, &PromptFlow::escape, enteringPrompt},
+        {awaitingConfirmation, &PromptFlow::submit, awaitingConfirmation},
+        {awaitingConfirmation, &PromptFlow::confirmOrDismiss, runningCommand},
+    };
+    for (const auto& [from, input, to] : cases) {
+        Bench bench;
+        reach(bench, from);
+        (bench.flow().*input)();
+        EXPECT_EQ(bench.state(), to) << caseName(from);
+        if (to == runningCommand || to == installingPackage) continue;
+        bench.finish();  // nothing late changes it
+        EXPECT_EQ(bench.state(), to) << caseName(from);
+    }
+}
+
+TEST(PromptFlow, SelectionMayChangeWhileARequestIsOut) {
+    Bench bench;
+    bench.answer("wc -l");
+    bench.answer("fine");
+    bench.request("count something odd");
+    bench.finder.take({{"/w/b.txt"}, "/w"});
+    bench.finish();
+    EXPECT_EQ(bench.ran, std::vector<std::string>{"wc -l b.txt"});
+    EXPECT_EQ(bench.analysedFiles, 1U);
+}
+
 TEST(PromptFlow, EchoIsAnAnswerOrAQuestion) {
     Bench bench;
     bench.answer("echo \"Which folder?\"");
