@@ -23,7 +23,6 @@ enum class OnboardingPage { welcome, privacy, accessibilityPermission, appleEven
 enum class MenuBarTutorialState { unknown, notShown, shown };
 // "unknown", "notShown", "shown": as they are stored.
 std::string_view rawValue(MenuBarTutorialState state);
-enum class PermissionPageState { initial, requested, requestedMaybeNeedsHelp, granted };
 // Windows beside the bar that make the program one among the others in the desktop's list of windows.
 enum class WindowsThatWantDockIconVisible { onboarding, settings, permissionsTest };
 
@@ -98,23 +97,6 @@ class ApplicationShell {
     bool runInitialSetup_ = false;
     bool begun_ = false;
     std::set<WindowsThatWantDockIconVisible> windowsThatWantDockIconVisible_;
-};
-
-// One permission page: a probe that is asked for, and a check five times a second while the page stands.
-class PermissionPage {
-  public:
-    PermissionPageState state() const { return state_; }
-    bool canContinue() const { return state_ == PermissionPageState::granted; }
-    void requested() { state_ = PermissionPageState::requested; }
-    void probed(bool isGranted) {
-        state_ = isGranted ? PermissionPageState::granted : PermissionPageState::requestedMaybeNeedsHelp;
-    }
-    void rechecked(bool isGranted) {
-        if (isGranted) state_ = PermissionPageState::granted;
-    }
-
-  private:
-    PermissionPageState state_ = PermissionPageState::initial;
 };
 
 // What stands below the toggles of what may run without asking.

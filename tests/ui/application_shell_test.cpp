@@ -120,16 +120,6 @@ TEST_F(Shell, TutorialComesOnceAndTheDockIconWithWindows) {
     EXPECT_EQ(asked(), "dock, dock, dock, no dock");
 }
 
-TEST(PermissionPage, MovesToGranted) {
-    PermissionPage page;
-    page.rechecked(false);
-    EXPECT_EQ(page.state(), PermissionPageState::initial);
-    page.probed(false);
-    EXPECT_EQ(page.state(), PermissionPageState::requestedMaybeNeedsHelp);
-    page.rechecked(true);
-    EXPECT_TRUE(page.canContinue());
-}
-
 TEST(AutoRunNotice, IsTheFirstThatHolds) {
     using enum CommandEffect;
     std::set<CommandEffect> all;

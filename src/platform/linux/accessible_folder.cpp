@@ -258,6 +258,17 @@ bool selectOnlyRows(AtspiTable* table, AtspiSelection* selection, const std::vec
     return selectedRows(table) == wanted;
 }
 
+// GTK 4 gives the first of several selected items alone, and nothing for the others (Nautilus 43).
+std::vector<std::string> namesOfSelectedChildren(const Accessible& view, TimeLimit limit) {
+    std::vector<std::string> names;
+    const int count = childCount(view);
+    for (int at = 0; at < count && !isOver(limit); ++at) {
+        const Accessible child = childAt(view, at);
+        if (child && hasState(child, ATSPI_STATE_SELECTED)) names.push_back(itemName(child, limit));
+    }
+    return names;
+}
+
 }  // namespace
 
 bool connectAccessibility() {
@@ -312,6 +323,11 @@ std::optional<std::vector<std::string>> selectedNames(const Accessible& view, Ti
         if (count < 0) return std::nullopt;
         for (int at = 0; at < count && !isOver(limit); ++at)
             names.push_back(itemName(owned(atspi().selectedChild(selection.get(), at, nullptr)), limit));
+        if (std::find(names.begin(), names.end(), "") != names.end()) {
+            auto named = namesOfSelectedChildren(view, limit);
+            // Fewer where the view has no objects for what it never scrolled by.
+            if (named.size() == names.size()) names = std::move(named);
+        }
     }
     if (isOver(limit)) return std::nullopt;
     return names;
