@@ -37,6 +37,7 @@ constexpr SubcommandRow subcommandRows[] = {
      "brindlet prompt 'make this 300px wide' photo.jpg", makePromptCommand},
     {"action", "Asks, predicts and runs once, for scripts", "brindlet action --yes 'zip' a.txt b.txt",
      makeActionCommand},
+    {"bar", "Opens the bar on the desktop", "brindlet bar --folder ~/Pictures a.jpg b.jpg", makeBarCommand},
     {"models", "Shows the models, chooses one, adds ones of your own",
      "brindlet models add --name llama3.1 --url http://localhost:11434", makeModelsCommand},
     {"keys", "Shows, stores and removes your keys for the providers", "brindlet keys set OpenAI < key.txt",

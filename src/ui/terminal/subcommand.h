@@ -42,6 +42,7 @@ std::unique_ptr<Subcommand> makeParseCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeGlobCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeAskCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeActionCommand(CLI::App& app);
+std::unique_ptr<Subcommand> makeBarCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeSummarizeCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makeQuickCommand(CLI::App& app);
 std::unique_ptr<Subcommand> makePromptCommand(CLI::App& app);
