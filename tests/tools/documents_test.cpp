@@ -42,6 +42,12 @@ TEST(Textutil, GivesTheWords) {
         {"textutil -convert txt report.html -stdout", reportText},
         // What a Word document has as its title is part of its text.
         {"textutil -convert txt titled.docx -stdout", "The Title\nAnn\nBody.\n"},
+        // As a prediction of it does, where no file can be written.
+        {"trap '' XFSZ; ulimit -f 0; textutil -convert txt titled.docx -stdout", "The Title\nAnn\nBody.\n"},
+        // Under the endings of others.
+        {"cp titled.docx old.doc; textutil -convert txt old.doc -stdout", "The Title\nAnn\nBody.\n"},
+        {"cp report.odt new.docx; textutil -info new.docx | sed -n 2p", "  Type:  OpenDocument text format\n"},
+        {"printf '{\\\\rtf1 a}' >b.docx; textutil -info b.docx | sed -n 2p", "  Type:  rich text (RTF)\n"},
         {"textutil -convert txt latin.txt -stdout", "café “q”\n"},
         {"textutil -convert txt -inputencoding ISO-8859-5 latin.txt -stdout | head -c 5", "cafщ"},
         {"textutil -cat txt note.txt titled.docx -stdout",

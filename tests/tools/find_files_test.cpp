@@ -48,6 +48,7 @@ TEST(FindFiles, Queries) {
         {"kMDItemFSName==\"apple*\"c", "Apple.txt"},
         {"kMDItemFSName == 'apple.txt'", ""},
         {"kMDItemDisplayName == \"CAFE\"cd", "caf\xC3\xA9.md"},
+        {"kMDItemDisplayName ==[cd] \"CAFE\"", "caf\xC3\xA9.md"},
         {"kMDItemFSName == *o*t* && !(kMDItemFSName == *.txt)", "sub/photo.JPG"},
         {"kMDItemFSName != *.txt kind:text", "caf\xC3\xA9.md sub/page.html"},
         {"kind:image || kMDItemContentType == \"net.daringfireball.markdown\"", "caf\xC3\xA9.md sub/photo.JPG"},
@@ -88,6 +89,9 @@ TEST(FindFiles, OptionsAndRefusals) {
         {"mdfind -count -onlyin sub kMDItemFSName == '*.txt'", {0, "1\n"}},
         {"mdfind -0 -onlyin sub -name p kind:image | tr '\\0' '|' | sed 's|.*/||'", {0, "photo.JPG|"}},
         {"mdfind -onlyin .secret apple | sed 's|.*/||'", {0, "apple.txt\n"}},  // asked for by name
+        {"mdfind -onlyin sub -onlyin . -name report | sed 's|.*/||'", {0, "report final.txt\n"}},
+        {"mdfind 'kMDItemFSName like \"a\"'",
+         {64, "mdfind: 'kMDItemFSName like \"a\"' in the query can't be understood\n"}},
         {"mdfind -onlyin nowhere apple", {1, "mdfind: 'nowhere' is no folder\n"}},
         {"mdfind", {64, "mdfind: what is to be found? (mdfind [-onlyin FOLDER] [-name NAME] QUERY)\n"}},
         {"mdfind -live apple", {64, "mdfind: the option '-live' is not known here\n"}},
@@ -174,6 +178,9 @@ TEST(FileMetadata, Films) {
     EXPECT_EQ(
         bench.run("mdls -name kMDItemDurationSeconds -name kMDItemPixelWidth clip.mp4 | tr -s ' ' | cut -c1-30").output,
         "kMDItemDurationSeconds = 2\nkMDItemPixelWidth = 64\n");
+    if (bench.has("exiftool")) {
+        EXPECT_EQ(bench.run("echo no >no.jpg; mdls -raw -name kMDItemPixelWidth no.jpg").output, "(null)");
+    }
 }
 
 }  // namespace find_files_tests

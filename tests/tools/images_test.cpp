@@ -69,6 +69,7 @@ TEST(Sips, Converts) {
             {R"(cp photo.jpg 'a*[1] %d:%20.jpg'; sips -Z 32 'a*[1] %d:%20.jpg'; cat 'a*[1] %d:%20.jpg' > x)", "x",
              "JPEG 32x24 "},
             {R"(cp drawing.png ./-Z.png; sips -Z 32 -- -Z.png; cat ./-Z.png > x)", "x", "PNG 32x24 "},
+            {R"(cp drawing.png ./-q.png; sips -Z 16 -q.png; cat ./-q.png > x)", "x", "PNG 16x12 "},
             // An animation stays one.
             {R"(convert -delay 20 photo.jpg \( photo.jpg -negate \) moving.gif; sips -Z 32 moving.gif)", "moving.gif",
              "GIF 32x24 GIF 32x24 "},
@@ -110,6 +111,28 @@ TEST(Sips, TellsProperties) {
     for (const auto& [line, output] : cases) EXPECT_EQ(bench.run(line).output, output) << line;
 }
 
+// What ImageMagick is not allowed to read, or has no reader for.
+TEST(Sips, HasPagesAndDrawingsRendered) {
+    const ToolBench bench;
+    if (const auto missing = missingIn(bench, {"convert", "identify", "pdftoppm"})) GTEST_SKIP() << *missing;
+    bench.write(
+        "a page.pdf",
+        "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n"
+        "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 64 48]>>endobj\ntrailer<</Root 1 0 R>>\n");
+    bench.write("bad.pdf", "no page");
+    bench.write("d.svg", "<svg/>");
+    const auto before = contents(bench);
+    EXPECT_EQ(bench.run("sips -g pixelWidth -g format -g typeIdentifier 'a page.pdf' | tail -n 3"),
+              (ToolRun{0, "  pixelWidth: 64\n  format: pdf\n  typeIdentifier: com.adobe.pdf\n"}));
+    EXPECT_EQ(bench.run("sips -Z 9 bad.pdf --out a.png").output.substr(0, 39),
+              "sips: 'bad.pdf' can't be read by pdftop");
+    EXPECT_EQ(bench.run("ln -s /usr/bin/convert ~; PATH=~:" BRINDLET_BINARIES " sips -s format png d.svg --out d.png"),
+              (ToolRun{69, "sips: rsvg-convert is missing; the Debian package librsvg2-bin has it\n"}));
+    EXPECT_EQ(contents(bench), before);
+    EXPECT_EQ(bench.run("sips -s format png 'a page.pdf' --out a.png; identify -format '%m %wx%h' a.png"),
+              (ToolRun{0, "PNG 64x48"}));
+}
+
 // One sentence each, and nothing is changed.
 TEST(Sips, Refuses) {
     ToolBench bench;
@@ -134,6 +157,9 @@ TEST(Sips, Refuses) {
         {"sips -Z 10 gone.png", 1, "'gone.png': No such file"},
         {"sips -Z 10 text.png", 1, "'text.png' can't be converted"},
         {"sips -g all text.png", 1, "'text.png' can't be read"},
+        {"sips -g all .", 1, "'.' is no file"},
+        {"mkfifo p.png; sips -Z 9 p.png; status=$?; rm p.png; exit $status", 1, "'p.png' is no file"},
+        {"sips -r nan photo.jpg", 64, "'nan' is no angle"},
         {"sips -Z 10 photo.jpg --out gone/a.jpg", 1, "'gone/a.jpg' can't be written"},
         {"PATH=$TOOLS; sips -Z 10 photo.jpg --out a.jpg", 69, "the Debian package imagemagick"},
         {"PATH=$TOOLS; magick photo.jpg a.png", 69, "the Debian package imagemagick"},
@@ -294,7 +320,7 @@ TEST(Iconutil, Refuses) {
         {"-c icns a.txt", 64, "unsupported source type"},
         {"-c icns -z empty.iconset", 64, "'-z' is not known"},
         {"-c icns gone.iconset", 1, "No such file"},
-        {"-c icns empty.iconset", 1, "holds no square PNG"},
+        {"-c icns empty.iconset -o new/a.icns", 1, "holds no square PNG"},
         {"-c icns wrong.iconset", 1, "is no PNG of 16 by 16 pixels"},
         {"-c iconset bad.icns", 1, "damaged"},
         {"-c iconset endless.icns", 1, "damaged"},

@@ -94,6 +94,16 @@ TEST(Scripts, NotificationsAndVolume) {
               });
 }
 
+TEST(Printing, IsLeftToTheRealOne) {
+    ToolBench bench;
+    bench.set("TOOLS", BRINDLET_BINARIES);
+    bench.standIn("lp");
+    expectAll(bench, {
+                         {"PATH=$TOOLS:$PATH; lp -n 2 'a b'", {0, ""}, "lp <-n> <2> <a b>\n"},
+                         {"PATH=$TOOLS; lp a", {69, "lp: lp is missing; the Debian package cups-client has it\n"}},
+                     });
+}
+
 TEST(HiddenFiles, StandInTheListOfTheirFolder) {
     const ToolBench bench;
     const std::string other = "other\n";

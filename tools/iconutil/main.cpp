@@ -110,6 +110,7 @@ void makeIcns(const fs::path& folder, const fs::path& place) {
     if (entries.empty())
         throw ToolFailure{
             fmt::format("'{}' holds no square PNG of 16, 32, 64, 128, 256, 512 or 1024 pixels", folder.string())};
+    if (!place.parent_path().empty()) fs::create_directories(place.parent_path());
     writeFile(place, iconFamilyText(entries));
 }
 
@@ -201,7 +202,6 @@ int iconutil(const std::vector<std::string>& words) {
     if (!output) output = line.value("--output");
     const fs::path place = output ? fs::path(*output) : fs::path(input).replace_extension(type);
     if (type == "icns") {
-        if (!place.parent_path().empty()) fs::create_directories(place.parent_path());
         makeIcns(input, place);
     } else {
         if (fs::exists(place, error) && !fs::is_directory(place, error))

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <set>
 
 #include <fmt/format.h>
 
@@ -114,7 +115,7 @@ class Search {
 
     void lookAt(const fs::path& path, bool isFolder) {
         Candidate candidate(path, isFolder, reader_);
-        if (!query_.matches(candidate)) return;
+        if (!query_.matches(candidate) || !matched_.insert(path).second) return;
         ++found_.count;
         tell_(candidate);
     }
@@ -123,6 +124,7 @@ class Search {
     std::function<void(const Candidate&)> tell_;
     SearchClock::time_point deadline_;
     TextReader reader_;
+    std::set<fs::path> matched_;  // one of the folders may lie in another
     Found found_;
 };
 

@@ -8,6 +8,7 @@
 #include "pattern.h"
 #include "shared/tool.h"
 #include "text/characters.h"
+#include "text/regex.h"
 #include "text/strings.h"
 
 namespace brindlet::tools {
@@ -216,6 +217,8 @@ class QueryParser {
             if (auto query = keyed(lowercased(name))) return std::move(*query);
         while (!atEnd() && !contains(" \t\n\r()", text_.substr(at_, 1)) && !endsValue()) ++at_;
         if (at_ == begin) throw notUnderstood(rest());
+        // "kMDItemFSName like ..." is written for another language; taken as words it would find nothing.
+        if (lowercased(name).starts_with("kmditem")) throw notUnderstood(text_.substr(begin));
         return wordQuery({std::string(text_.substr(begin, at_ - begin)), {}});
     }
 
@@ -271,8 +274,20 @@ class QueryParser {
         return {std::string(plain), {}};
     }
 
+    // The marks may also stand at the operator: "==[cd]".
+    Folding operatorMarks() {
+        static const Regex bracketed(R"(^\[[cdw]+\])");
+        const auto match = bracketed.find(rest());
+        const std::string_view marks = match ? *match->group(0) : "";
+        at_ += marks.size();
+        return {.ignoresCase = contains(marks, "c"), .ignoresMarks = contains(marks, "d")};
+    }
+
     Query comparison(const AttributeRow& row, Operator meaning) {
-        const Value wanted = value();
+        const Folding marks = operatorMarks();
+        Value wanted = value();
+        wanted.folding.ignoresCase |= marks.ignoresCase;
+        wanted.folding.ignoresMarks |= marks.ignoresMarks;
         if (!row.texts) return numberComparison(row, meaning, numberValue(row, wanted.text, now_));
         if (meaning != Operator::equal && meaning != Operator::unequal)
             throw ToolFailure{"texts can be compared by == and != only", statusWrongUsage};

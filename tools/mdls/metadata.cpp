@@ -153,7 +153,8 @@ void addStreams(const std::string& file, Metadata& found) {
                                    "=");
     for (const ProbeRow& row : probeRows) {
         const auto answer = answers.find(std::string(row.key));
-        if (lacks(row) && answer != answers.end() && isNumber(answer->second))
+        // What it can't tell of a damaged file, it gives as 0.
+        if (lacks(row) && answer != answers.end() && isNumber(answer->second) && answer->second != "0")
             found.emplace(row.attribute, Number{answer->second});
     }
 }

@@ -1,6 +1,7 @@
 #include "image_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 
 #include <fmt/format.h>
 
+#include "rendering.h"
 #include "shared/tool.h"
 #include "text/strings.h"
 
@@ -25,7 +27,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t longestPlainName = 4000;
 
 // Formats that it knows by the ending alone.
-constexpr std::string_view formatsWithoutMark[] = {"arw", "cr2", "dng", "ico", "nef", "pct", "pict", "svg", "tga"};
+constexpr std::string_view formatsWithoutMark[] = {"ico", "pct", "pict", "tga"};
 
 bool isPlain(std::string_view name) {
     return name.size() < longestPlainName && std::ranges::all_of(name, [](unsigned char byte) {
@@ -42,16 +44,32 @@ std::string prefixByEnding(const fs::path& name) {
     return isKnown ? ending.substr(1) + ":" : "";
 }
 
+int openedFile(const std::string& name) {
+    // A pipe without a writer would keep a reader waiting at this.
+    const int file = ::open(name.c_str(), O_RDONLY | O_NONBLOCK);
+    if (file < 0) throw ToolFailure{fmt::format("'{}': {}", name, std::strerror(errno))};
+    struct stat status {};
+    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return file;
+    ::close(file);
+    throw ToolFailure{fmt::format("'{}' is no file", name)};
+}
+
 }  // namespace
 
 ImageFile::ImageFile(const std::string& name) {
-    const int file = ::open(name.c_str(), O_RDONLY);
-    if (file < 0) throw ToolFailure{fmt::format("'{}': {}", name, std::strerror(errno))};
+    int file = openedFile(name);
+    std::string readable = name;
+    if (const Renderer* renderer = rendererFor(name)) {
+        ::close(file);
+        readable = rendering_.emplace(fs::temp_directory_path()).path() / "image";
+        render(*renderer, name, readable);
+        file = openedFile(readable);
+    }
     std::error_code error;
-    const std::string path = fs::absolute(name, error);
+    const std::string path = fs::absolute(readable, error);
     if (error || !isPlain(path)) {
         file_ = file;
-        source_ = fmt::format("{}/proc/self/fd/{}", prefixByEnding(name), file);
+        source_ = fmt::format("{}/proc/self/fd/{}", prefixByEnding(readable), file);
     } else {
         ::close(file);
         source_ = path;

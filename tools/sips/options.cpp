@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
+#include <filesystem>
 #include <iterator>
 #include <span>
 #include <system_error>
@@ -121,7 +123,8 @@ void rotate(SipsRequest& request, Values values) {
     double degrees = 0;
     const char* const end = values[0].data() + values[0].size();
     const auto [stop, error] = std::from_chars(values[0].data(), end, degrees, std::chars_format::fixed);
-    if (error != std::errc() || stop != end) refuse(fmt::format("'{}' is no angle in degrees", values[0]));
+    if (error != std::errc() || stop != end || !std::isfinite(degrees))
+        refuse(fmt::format("'{}' is no angle in degrees", values[0]));
     addSteps(request, {"-rotate", fmt::format("{}", degrees), "+repage"});
 }
 
@@ -234,11 +237,13 @@ SipsRequest readSipsRequest(const std::vector<std::string>& words) {
                                   words.end());
             break;
         }
-        if (!word.starts_with('-')) {
+        const SipsOption* const option = word.starts_with('-') ? optionCalled(word) : nullptr;
+        // "$FILE_NAME" may be "-photo.jpg".
+        std::error_code error;
+        if (!option && (!word.starts_with('-') || std::filesystem::is_regular_file(word, error))) {
             request.images.push_back(word);
             continue;
         }
-        const SipsOption* const option = optionCalled(word);
         if (!option) refuse(fmt::format("the option '{}' is not known here", word));
         if (words.size() - at - 1 < option->valueCount)
             refuse(fmt::format("the option '{}' needs {} behind it", word,

@@ -8,7 +8,9 @@
 
 #include "image_file.h"
 #include "options.h"
+#include "shared/content_types.h"
 #include "shared/tool.h"
+#include "text/characters.h"
 #include "text/strings.h"
 
 namespace brindlet::tools {
@@ -125,7 +127,10 @@ std::string describedProperties(const std::string& image, const std::vector<std:
         throw ToolFailure{fmt::format("'{}' can't be read as an image: {}", image, imageMagickWords(captured.errors))};
     std::string text = std::filesystem::absolute(image).lexically_normal().string() + "\n";
     for (std::size_t at = 0; at < rows.size(); ++at) {
-        const std::string shown = rows[at]->shown(values[at]);
+        std::string shown = rows[at]->shown(values[at]);
+        if (file.isRendered() && rows[at]->shown == typeOf) shown = contentTypeOf(image).identifier;
+        if (file.isRendered() && rows[at]->shown == nameOf)
+            shown = lowercased(std::filesystem::path(image).extension().string().substr(1));
         text += fmt::format("  {}: {}\n", rows[at]->name, shown.empty() ? noValue : shown);
     }
     return text;

@@ -1,6 +1,6 @@
 #include "documents.h"
 
-#include <sys/mman.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -103,20 +103,28 @@ function Pandoc(document)
 end
 )";
 
-// Text that a program can read as a file, with no file on the disk.
-class MemoryFile {
+// Short text that one program can read once as a file. A pipe, since a prediction of what is printed runs this where
+// no file can be written, not even one in memory.
+class TextPipe {
   public:
-    explicit MemoryFile(std::string_view text) : file_(::memfd_create("text", 0)) {
-        if (file_ < 0 || ::write(file_, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-            throw ToolFailure{fmt::format("no memory file can be made: {}", std::strerror(errno))};
+    explicit TextPipe(std::string_view text) {
+        int ends[2];
+        if (::pipe(ends) != 0) throw ToolFailure{fmt::format("no pipe can be made: {}", std::strerror(errno))};
+        reading_ = ends[0];
+        ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
+        const bool isWhole = ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        ::close(ends[1]);
+        if (isWhole) return;
+        ::close(reading_);
+        throw ToolFailure{"a pipe took less than it should"};
     }
-    ~MemoryFile() { ::close(file_); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    std::string path() const { return fmt::format("/proc/self/fd/{}", file_); }
+    ~TextPipe() { ::close(reading_); }
+    TextPipe(const TextPipe&) = delete;
+    TextPipe& operator=(const TextPipe&) = delete;
+    std::string path() const { return fmt::format("/proc/self/fd/{}", reading_); }
 
   private:
-    int file_;
+    int reading_ = -1;
 };
 
 std::string firstLineOf(std::string_view text) {
@@ -138,7 +146,7 @@ std::string pandoc(const Words& words, std::string_view content) {
 // write from names nothing any more. The sandbox keeps it from its own files too, so that it can only write what needs
 // none.
 std::string readByPandoc(const TextDocument& document, const std::string& result, std::string_view filter) {
-    const MemoryFile file(filter);
+    const TextPipe file(filter);
     return pandoc({"--sandbox", "-f", std::string(document.format->name), "-t", result, "--wrap=none",
                    "--lua-filter=" + file.path()},
                   document.content);
@@ -196,6 +204,19 @@ bool needsOffice(const DocumentFormat& format) {
     return format.kind == DocumentKind::rtf || format.kind == DocumentKind::doc;
 }
 
+// Documents lie about under each other's endings; their first bytes tell. A zipped one begins with its type or, as
+// those of Word do, with any of its parts.
+const DocumentFormat& formatByContent(const DocumentFormat& named, std::string_view content) {
+    constexpr std::string_view zip = "PK\x03\x04", odtMark = "mimetypeapplication/vnd.oasis.opendocument.text";
+    constexpr std::size_t nameInZip = 30;
+    if (named.kind == DocumentKind::text || named.kind == DocumentKind::html) return named;
+    if (content.starts_with("{\\rtf")) return *documentFormat("rtf");
+    if (content.starts_with("\xD0\xCF\x11\xE0")) return *documentFormat("doc");
+    if (!content.starts_with(zip)) return named;
+    if (content.substr(std::min(nameInZip, content.size())).starts_with(odtMark)) return *documentFormat("odt");
+    return named.kind == DocumentKind::odt ? named : *documentFormat("docx");
+}
+
 std::string endingOf(const std::string& name) {
     const std::string ending = fs::path(name).extension();
     return ending.empty() ? "" : lowercased(std::string_view(ending).substr(1));
@@ -227,6 +248,7 @@ TextDocument readDocument(const std::string& name, const ReadingOptions& options
     TextDocument document{.format = options.format ? options.format : &formatOfFile(name), .content = {}};
     if (fs::is_directory(name)) throw ToolFailure{fmt::format("'{}' is a folder", name)};
     document.content = fileContent(name);
+    if (!options.format) document.format = &formatByContent(*document.format, document.content);
     if (document.format->kind != DocumentKind::text && document.format->kind != DocumentKind::html) return document;
     auto text = decodedText(document.content, options.encoding);
     if (!text) throw ToolFailure{fmt::format("there is no encoding '{}'", options.encoding.value_or(""))};
