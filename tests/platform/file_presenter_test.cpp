@@ -82,6 +82,33 @@ TEST_F(FilePresenterTest, OnlyDolphinIsAskedForSeveralItems) {
     }
 }
 
+// The companion may say that no window shows the folder; after the first item was shown one does.
+TEST_F(FilePresenterTest, ACompanionInThunarIsAskedFirst) {
+    const std::string select =
+        "--dest=com.fenwold.Brindlet.Thunar /com/fenwold/Brindlet/Companion com.fenwold.Brindlet.Companion1.Select "
+        "array:string:" +
+        std::string(first) + std::string(others) + "\n";
+    const std::string show = call("org.xfce.Thunar", "ShowItems", std::string(first));
+    const auto companion = [this](const std::string& isShown) {
+        helper("dbus-send",
+               "case $* in\n"
+               "*ListNames*) echo 'string \"org.xfce.Thunar\" string \"com.fenwold.Brindlet.Thunar\"';;\n"
+               "*a11y*) exit 1;;\n"
+               "*) shift 3; echo \"$*\" >> asked\n"
+               "case $* in *.Select*) " +
+                   isShown +
+                   " && echo 'boolean true' || echo 'boolean false';; esac;;\n"
+                   "esac");
+    };
+    companion("true");
+    open()->selectInFileManager(three);
+    EXPECT_EQ(asked(), select);
+    companion("grep -q ShowItems asked");
+    open()->selectInFileManager(three);
+    EXPECT_EQ(asked(), select + show + select);
+    EXPECT_EQ(told, "");
+}
+
 TEST_F(FilePresenterTest, WhereNobodyAnswersTheFolderIsOpenedOrItIsTold) {
     const std::string wouldSelect = "a file manager would now show 1 item selected: /d/c";
     bus("org.example", 1);

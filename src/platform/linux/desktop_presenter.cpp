@@ -3,7 +3,8 @@
 // 1.2 and Dolphin 22.12: of several items only Dolphin selects all in one window, the others open a window for each.
 // So the others are asked for the first, and the rest is selected in its window through the accessibility bus. Asking
 // for the folder instead opens no fewer windows (Thunar, Nemo, Caja: always a new one; Nautilus: neither way), and
-// where the rest can't be selected the first would need a window of its own.
+// where the rest can't be selected the first would need a window of its own. A Thunar with our companion in it is asked
+// before all that (companions/thunar).
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -27,6 +28,9 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds helpPatience = 50ms;
 constexpr std::chrono::milliseconds longestSelecting = 3s;
+// A window that was asked for comes up a moment after the answer (Thunar 4.18).
+constexpr std::chrono::milliseconds newWindowPatience = 1500ms;
+constexpr std::chrono::milliseconds newWindowPause = 100ms;
 constexpr std::size_t mostNamesTold = 20;
 constexpr std::size_t mostReplyBytes = std::size_t{1} << 20;
 
@@ -34,8 +38,9 @@ constexpr std::string_view sharedName = "org.freedesktop.FileManager1";
 constexpr std::string_view dolphinPrefix = "org.kde.dolphin-";  // with the process id behind it
 // The names under which running file managers answer to that interface. Who gets the shared name where several are
 // installed is chance, so that one that runs is asked by its own.
-constexpr std::string_view ownNames[] = {dolphinPrefix, "org.gnome.Nautilus", "org.xfce.Thunar", "org.Nemo",
-                                         "org.mate.Caja"};
+constexpr std::string_view thunarName = "org.xfce.Thunar";
+constexpr std::string_view thunarCompanion = "com.fenwold.Brindlet.Thunar";
+constexpr std::string_view ownNames[] = {dolphinPrefix, "org.gnome.Nautilus", thunarName, "org.Nemo", "org.mate.Caja"};
 
 // Everything but the unreserved characters of RFC 3986 is spelt out, so that no shell, list or locale has a say.
 std::string fileUri(const FilePath& path) {
@@ -83,6 +88,12 @@ class TellingPresenter final : public FilePresenter {
     TellUser tell_;
 };
 
+// Who is asked to show files.
+struct FileManagerNames {
+    std::string own;
+    std::string companion;  // empty where it has none
+};
+
 struct HelperEnd {
     std::optional<int> status;  // none: it had not ended when its time was over
     std::string output;
@@ -119,8 +130,10 @@ class DesktopPresenter final : public FilePresenter {
 
     void selectInFileManager(const std::vector<FilePath>& items) override {
         if (items.empty()) return;
-        const std::optional<std::string> manager = fileManager();
-        if (items.size() > 1 && manager && !manager->starts_with(dolphinPrefix)) return selectSeveral(*manager, items);
+        const std::optional<FileManagerNames> manager = fileManager();
+        if (manager && selectByCompanion(*manager, items)) return;
+        if (items.size() > 1 && manager && !manager->own.starts_with(dolphinPrefix))
+            return selectSeveral(*manager, items);
         if (!call(manager, "ShowItems", items)) showFolderOf(items);
     }
 
@@ -130,18 +143,36 @@ class DesktopPresenter final : public FilePresenter {
 
   private:
     // By a file manager that would open a window for each.
-    void selectSeveral(const std::string& manager, const std::vector<FilePath>& items) const {
+    void selectSeveral(const FileManagerNames& manager, const std::vector<FilePath>& items) const {
         std::optional<AccessibleSelection> selection;
         if (hasAccessibilityBus())
             selection.emplace(items, environment_, std::min<std::chrono::milliseconds>(longestHelp_, longestSelecting));
-        std::optional<pid_t> process = selection ? processOf(manager) : std::nullopt;
+        std::optional<pid_t> process = selection ? processOf(manager.own) : std::nullopt;
         if (process && selection->selectWhereShown(*process)) return;
         if (!call(manager, "ShowItems", {items.front()})) return showFolderOf(items);
         // It may have been started only now.
-        process = selection ? processOf(manager) : std::nullopt;
+        if (selectInNewWindowByCompanion(fileManager().value_or(manager), items)) return;
+        process = selection ? processOf(manager.own) : std::nullopt;
         if (process && selection->selectInWindowOfFirst(*process)) return;
         tell_(fmt::format("the file manager selects one item at a time, the first of these {}: {}", counted(items),
                           namesOf(items)));
+    }
+
+    // In a window that shows their folder, which is raised. It waits for files that were just written.
+    bool selectByCompanion(const FileManagerNames& manager, const std::vector<FilePath>& items) const {
+        if (manager.companion.empty()) return false;
+        const HelperEnd end = send(manager.companion, "/com/fenwold/Brindlet/Companion",
+                                   "com.fenwold.Brindlet.Companion1.Select", {"array:string:" + fileUris(items)});
+        return end.status == 0 && contains(end.output, "boolean true");
+    }
+
+    bool selectInNewWindowByCompanion(const FileManagerNames& manager, const std::vector<FilePath>& items) const {
+        const auto limit = PresenterClock::now() + newWindowPatience;
+        while (!selectByCompanion(manager, items)) {
+            if (manager.companion.empty() || PresenterClock::now() >= limit) return false;
+            std::this_thread::sleep_for(newWindowPause);
+        }
+        return true;
     }
 
     void showFolderOf(const std::vector<FilePath>& items) const {
@@ -180,24 +211,29 @@ class DesktopPresenter final : public FilePresenter {
         return runHelper(environment_, longestHelp_, std::move(command));
     }
 
-    // The bus name of the one that runs, else the shared one, which starts one; none where no bus answers.
-    std::optional<std::string> fileManager() const {
+    // The one that runs, else the shared name, which starts one; none where no bus answers.
+    std::optional<FileManagerNames> fileManager() const {
         const HelperEnd listed =
             send("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.ListNames", {});
         if (listed.status != 0) return std::nullopt;
+        const bool hasCompanion = contains(listed.output, fmt::format("\"{}\"", thunarCompanion));
         for (const std::string_view name : ownNames) {
             const std::string_view end = name == dolphinPrefix ? "" : "\"";
             const std::size_t begin = listed.output.find(fmt::format("\"{}{}", name, end)) + 1;
-            if (begin > 0) return listed.output.substr(begin, listed.output.find('"', begin) - begin);
+            if (begin == 0) continue;
+            return FileManagerNames{
+                .own = listed.output.substr(begin, listed.output.find('"', begin) - begin),
+                .companion = std::string(name == thunarName && hasCompanion ? thunarCompanion : "")};
         }
-        return std::string(sharedName);
+        return FileManagerNames{.own = std::string(sharedName), .companion = ""};
     }
 
-    bool call(const std::optional<std::string>& manager, std::string_view method,
+    bool call(const std::optional<FileManagerNames>& manager, std::string_view method,
               const std::vector<FilePath>& items) const {
         if (!manager) return false;
-        const HelperEnd end = send(*manager, "/org/freedesktop/FileManager1", fmt::format("{}.{}", sharedName, method),
-                                   {"array:string:" + fileUris(items), "string:"});
+        const HelperEnd end =
+            send(manager->own, "/org/freedesktop/FileManager1", fmt::format("{}.{}", sharedName, method),
+                 {"array:string:" + fileUris(items), "string:"});
         return end.status == 0;
     }
 
