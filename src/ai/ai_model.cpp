@@ -150,6 +150,11 @@ AIModelList::AIModelList(SettingsStore& settings, CustomModelList& customModels)
       userEnabledModels_(storedModels(settings, explicitlyEnabledAIModelsKey)),
       userDisabledModels_(storedModels(settings, explicitlyDisabledAIModelsKey)) {}
 
+void AIModelList::reload() {
+    userEnabledModels_ = storedModels(settings_, explicitlyEnabledAIModelsKey);
+    userDisabledModels_ = storedModels(settings_, explicitlyDisabledAIModelsKey);
+}
+
 std::span<const AIModel> AIModelList::all() {
     static const std::vector<AIModel> models = [] {
         std::vector<AIModel> made;
@@ -204,6 +209,13 @@ std::vector<AIModel> AIModelList::enabledModels(const std::vector<AIModel>& mode
     };
     std::vector<AIModel> offered;
     std::ranges::copy_if(models, std::back_inserter(offered), isOffered);
+    return offered;
+}
+
+std::vector<AIModel> AIModelList::enabledCustomModels() const {
+    std::vector<AIModel> offered;
+    for (const CustomModel& model : customModels_.validModels())
+        if (model.enabled) offered.push_back(model.aiModel());
     return offered;
 }
 

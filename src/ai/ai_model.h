@@ -50,6 +50,8 @@ class AIModelList {
 
     // Reads both lists of the settings at once; both outlive it.
     AIModelList(SettingsStore& settings, CustomModelList& customModels);
+    // Reads both lists anew, as another program may have changed them.
+    void reload();
 
     // Every built-in model, in its order; of them the small and the large ones.
     static std::span<const AIModel> all();
@@ -69,6 +71,8 @@ class AIModelList {
 
     // Those of `models` that the menu offers, in the given order.
     std::vector<AIModel> enabledModels(const std::vector<AIModel>& models) const;
+    // The user's own models that the menu offers.
+    std::vector<AIModel> enabledCustomModels() const;
     // Stores both lists; the failure's sentence names the settings' file.
     std::optional<Failure> setEnabled(const AIModel& model, bool enabled);
 

@@ -181,6 +181,11 @@ std::vector<CustomModel> CustomModelList::all() {
     return loaded();
 }
 
+void CustomModelList::reload() {
+    const std::lock_guard lock(guard_);
+    all_ = modelsIn(folder_);
+}
+
 std::vector<CustomModel> CustomModelList::validModels() {
     std::vector<CustomModel> valid = all();
     std::erase_if(valid, [](const CustomModel& model) {

@@ -49,6 +49,8 @@ class CustomModelList {
     CustomModelList(const FilePath& dataFolder, SecretStore& secrets);
 
     std::vector<CustomModel> all();
+    // Lists the folder anew, as another program may have changed it.
+    void reload();
     // Those with a name and a base URL, the rest of the program works with these.
     std::vector<CustomModel> validModels();
     std::optional<CustomModel> withId(std::string_view id);

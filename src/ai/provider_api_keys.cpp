@@ -76,6 +76,14 @@ std::vector<AIModelProvider> ProviderApiKeys::configuredProviders() {
     return configured;
 }
 
+void ProviderApiKeys::reload() {
+    const std::lock_guard lock(guard_);
+    for (auto& held : held_) {
+        if (held) wipe(held->text);
+        held.reset();
+    }
+}
+
 std::optional<Failure> ProviderApiKeys::setKey(AIModelProvider provider, std::string_view value) {
     const auto index = static_cast<std::size_t>(provider);
     if (index >= held_.size()) return Failure{"A custom model's key is stored with the model"};

@@ -40,6 +40,8 @@ class ProviderApiKeys {
     static std::string_view environmentVariable(AIModelProvider provider);
     // Those with a key, in order.
     std::vector<AIModelProvider> configuredProviders();
+    // Forgets what was read, as another program may have changed it.
+    void reload();
     // Stores the trimmed text; one that trims to nothing removes the item.
     std::optional<Failure> setKey(AIModelProvider provider, std::string_view value);
 

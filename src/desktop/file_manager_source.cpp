@@ -107,9 +107,12 @@ void FileManagerSource::handOver(FinderSelection selection) {
     knowsSelection_ = true;
 }
 
-void FileManagerSource::takeFromCompanion(WindowId window, FinderSelection selection) {
+void FileManagerSource::takeFromCompanion(WindowId window, std::optional<FinderSelection> selection) {
     const std::lock_guard lock(guard_);
-    fromCompanions_.insert_or_assign(window, std::move(selection));
+    if (selection)
+        fromCompanions_.insert_or_assign(window, std::move(*selection));
+    else
+        fromCompanions_.erase(window);
 }
 
 bool FileManagerSource::knowsSelection() const {

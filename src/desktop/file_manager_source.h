@@ -47,7 +47,8 @@ class FileManagerSource {
     // From any thread. What an action or a drop handed over stands until another window is in front, or it shows
     // something else; what a companion inside the file manager says of a window stands until it says otherwise.
     void handOver(FinderSelection selection);
-    void takeFromCompanion(WindowId window, FinderSelection selection);
+    // None: it says no longer.
+    void takeFromCompanion(WindowId window, std::optional<FinderSelection> selection);
 
     // From any thread: false where the last window that was read doesn't tell what is selected in it, so that an empty
     // selection means nothing.

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/log.h"
+
 namespace brindlet {
 
 namespace {
@@ -14,8 +16,8 @@ constexpr PermissionPageTexts accessibilityTexts{
     .step = "Step 1 of 2",
     .name = "Accessibility",
     .text =
-        "Please allow Brindlet to follow windows, by what is listed here. This allows the app to dock itself to the "
-        "bottom of file manager windows.",
+        "Please allow Brindlet to use Accessibility features by what is listed here. This allows the app to dock "
+        "itself to the bottom of Finder windows.",
     .button = "Enable Access...",
     .help = "Having issues? Nothing happening? Try this:",
 };
@@ -24,8 +26,8 @@ constexpr PermissionPageTexts automationTexts{
     .step = "Step 2 of 2",
     .name = "Automation",
     .text =
-        "Please allow Brindlet to ask the file manager, by what is listed here. This allows the app to know which "
-        "files and folders you have selected in it.",
+        "Please allow Brindlet to use Automation features by what is listed here. This allows the app to know which "
+        "files and folders you have selected in Finder.",
     .button = "Enable Access...",
     .help = "Having issues? Nothing happening? Try this:",
 };
@@ -40,7 +42,10 @@ struct PermissionPage::State : std::enable_shared_from_this<PermissionPage::Stat
     State(MainLoop& mainLoop, Workers& threads, Permissions& all, Permission shown)
         : loop(mainLoop), workers(threads), permissions(all), permission(shown) {
         for (const PermissionItem& item : permissions.items(permission))
-            items.push_back({.title = item.title, .remedy = item.remedy});
+            items.push_back({.title = item.title,
+                             .remedy = item.remedy,
+                             .canMend = static_cast<bool>(item.mend),
+                             .isRequired = item.isRequired});
     }
 
     MainLoop& loop;
@@ -73,7 +78,7 @@ struct PermissionPage::State : std::enable_shared_from_this<PermissionPage::Stat
         bool isGranted = true;
         for (std::size_t at = 0; at < answers.size(); ++at) {
             newItems[at].holds = answers[at];
-            isGranted = isGranted && answers[at];
+            isGranted = isGranted && (answers[at] || !newItems[at].isRequired);
         }
         permissions.note(permission, isGranted);
         // Once granted the page stays so: the user is on the way to the next one.
@@ -120,6 +125,14 @@ PermissionPage::PermissionPage(MainLoop& loop, Workers& workers, Permissions& pe
 
 PermissionPage::~PermissionPage() {
     state_->isGone = true;
+}
+
+void PermissionPage::mend(std::size_t item) {
+    state_->workers.start([state = state_, item] {
+        const PermissionItem& chosen = state->permissions.items(state->permission).at(item);
+        if (!chosen.mend) return;
+        if (const auto failure = chosen.mend()) logError(failure->description);
+    });
 }
 
 void PermissionPage::enableAccess() {

@@ -5,6 +5,7 @@
 //     page.enableAccess();   // the button
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -31,7 +32,9 @@ const PermissionPageTexts& textsOf(Permission permission);
 struct PermissionPageItem {
     std::string title;
     std::string remedy;
-    bool holds = false;  // false as well before it was first checked
+    bool canMend = false;    // else only the user can
+    bool isRequired = true;  // else one can go on without
+    bool holds = false;      // false as well before it was first checked
     bool operator==(const PermissionPageItem&) const = default;
 };
 
@@ -45,6 +48,8 @@ class PermissionPage {
     PermissionPage& operator=(const PermissionPage&) = delete;
 
     void enableAccess();
+    // The button of one item, which must be one that can be mended. A failure goes to the log.
+    void mend(std::size_t item);
 
     PermissionPageState state() const;
     const std::vector<PermissionPageItem>& items() const;

@@ -107,7 +107,7 @@ const std::vector<PermissionItem>& Permissions::items(Permission permission) con
 
 bool Permissions::holds(Permission permission) const {
     const auto& list = items(permission);
-    return std::all_of(list.begin(), list.end(), [](const PermissionItem& item) { return item.check(); });
+    return std::all_of(list.begin(), list.end(), [](const PermissionItem& item) { return !item.isRequired || item.check(); });
 }
 
 void Permissions::note(Permission permission, bool isGranted) {

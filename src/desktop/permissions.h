@@ -30,6 +30,8 @@ struct PermissionItem {
     std::function<bool()> check;
     // Sees to it that it holds; empty where only the user can.
     std::function<std::optional<Failure>()> mend{};
+    // False: it is shown, and the permission counts as granted without it.
+    bool isRequired = true;
 };
 
 // Whether the program starts when the user logs in.
@@ -68,7 +70,7 @@ class Permissions {
     void enableLaunchAtLoginOnce();
 
     const std::vector<PermissionItem>& items(Permission permission) const;
-    // From any thread: whether all items hold, and it changes no state. `note` is what the states' thread does with it.
+    // From any thread: whether all required items hold, and it changes no state. `note` is what the states' thread does with it.
     bool holds(Permission permission) const;
     void note(Permission permission, bool isGranted);
     // From any thread: mends what doesn't hold and can be mended. Failures go to the log.

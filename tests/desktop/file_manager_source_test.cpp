@@ -83,7 +83,7 @@ TEST_F(FileManagerSourceTest, WhatIsHandedOverStandsForAWhile) {
     EXPECT_EQ(fetched(), "/v: /v/x");
     front->title = "other";
     EXPECT_EQ(fetched(), "/w: /w/a.txt");
-    source.takeFromCompanion(1, {{"/w/b"}, "/w"});
+    source.takeFromCompanion(1, FinderSelection{{"/w/b"}, "/w"});
     EXPECT_EQ(fetched(), "/w: /w/b");
     front->id = 2;
     EXPECT_EQ(fetched(), "/w: /w/a.txt");

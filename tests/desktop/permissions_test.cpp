@@ -82,7 +82,7 @@ TEST_F(PermissionsTest, StartsAtLoginOnceUnlessTheUserSaysOtherwise) {
     EXPECT_FALSE(entry.isEnabled());
     EXPECT_EQ(entry.setEnabled(true), std::nullopt);
     EXPECT_TRUE(entry.isEnabled());
-    EXPECT_TRUE(contains(scratch.read("config/autostart/brindlet.desktop"), "Exec=\"/opt/my \\\\$x/brindlet\" bar\n"));
+    EXPECT_TRUE(contains(scratch.read("config/autostart/brindlet.desktop"), "Exec=\"/opt/my \\\\$x/brindlet\" bar --login\n"));
     scratch.write("config/autostart/brindlet.desktop", "[Desktop Entry]\nHidden = true\n");
     EXPECT_FALSE(entry.isEnabled());
     EXPECT_EQ(entry.setEnabled(false), std::nullopt);

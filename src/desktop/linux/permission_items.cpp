@@ -66,10 +66,17 @@ std::string quotedExec(const std::string& program) {
 
 }  // namespace
 
-std::vector<PermissionItem> accessibilityItems() {
+bool isWaylandSession(const Environment& environment) {
+    const auto display = environment.find("WAYLAND_DISPLAY");
+    return display != environment.end() && !display->second.empty();
+}
+
+std::vector<PermissionItem> accessibilityItems(const Environment& environment) {
+    // Nobody can grant that in a Wayland session, where the bar stands at the bottom of the screen.
+    if (isWaylandSession(environment)) return {};
     return {{.title = "The windows of other programs can be followed",
-             .remedy = "Log in to an X11 session: the login screen offers it in its list of sessions. In a Wayland "
-                       "session the bar can only stand at the bottom of the screen.",
+             .remedy = "Start a window manager that keeps the hints of the desktop, such as that of Xfce, GNOME, KDE or "
+                       "MATE.",
              .check = [] { return XWindowSource().canFollow(); }}};
 }
 
@@ -82,7 +89,8 @@ std::vector<PermissionItem> automationItems(const Environment& environment, Answ
                        "Detailed List. PCManFM needs the packages libatk-adaptor and libgail-common, and "
                        "GTK_MODULES=gail:atk-bridge in its environment.",
              .check = [&helper] { return canReadSelection(helper); },
-             .mend = [environment] { return announceAssistivePrograms(environment); }}};
+             .mend = [environment] { return announceAssistivePrograms(environment); },
+             .isRequired = false}};
 }
 
 AutostartEntry::AutostartEntry(FilePath autostartFolder, FilePath program)
@@ -112,7 +120,7 @@ std::optional<Failure> AutostartEntry::setEnabled(bool enabled) {
     if (const auto failure = makeFolders(file_.parent())) return failure;
     return writeFileAtomically(file_,
                                "[Desktop Entry]\nType=Application\nName=Brindlet\nExec=" + quotedExec(program_.text()) +
-                                   " bar\nX-GNOME-Autostart-enabled=true\n",
+                                   " bar --login\nX-GNOME-Autostart-enabled=true\n",
                                0644);
 }
 

@@ -1,6 +1,6 @@
 // What following windows and reading the selection need here, as the check lists of the first-run pages.
 //
-//     Permissions permissions(settings, {.accessibility = accessibilityItems(),
+//     Permissions permissions(settings, {.accessibility = accessibilityItems(processEnvironment()),
 //                                        .appleEvents = automationItems(processEnvironment(), helper),
 //                                        .launchAtLogin = &autostart});
 #pragma once
@@ -14,7 +14,10 @@
 
 namespace brindlet {
 
-std::vector<PermissionItem> accessibilityItems();
+// There programs don't see the windows of others.
+bool isWaylandSession(const Environment& environment);
+
+std::vector<PermissionItem> accessibilityItems(const Environment& environment);
 // `helper` answers by selectionAnswer(), and outlives the items.
 std::vector<PermissionItem> automationItems(const Environment& environment, AnsweringProcess& helper);
 
