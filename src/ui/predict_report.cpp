@@ -63,15 +63,6 @@ StyledSpan glyph(const ChangesViewIcon& icon, bool hasUnicode) {
     return {std::string(hasUnicode ? row.unicode : row.ascii), styleNamed(icon.color)};
 }
 
-// What the rows say of their own has at most one further line, at the end. Any line end before that is part of a name
-// or a message, and escaped, so that no name can push the rest off the screen.
-std::vector<std::string> subtitleLines(std::string_view subtitle) {
-    subtitle = trimmedNewlines(subtitle);
-    const std::size_t lastEnd = subtitle.rfind('\n');
-    if (lastEnd == std::string_view::npos) return {shownText(subtitle)};
-    return {shownText(subtitle.substr(0, lastEnd)), shownText(subtitle.substr(lastEnd + 1))};
-}
-
 void addRow(std::vector<StyledLine>& lines, const ChangesViewIconAndText& row, bool hasUnicode) {
     StyledLine line = {{"  "}};
     if (row.icon) {
@@ -125,6 +116,15 @@ std::vector<PredictedChange> sortedChanges(std::vector<PredictedChange> changes)
 }
 
 }  // namespace
+
+// What the rows say of their own has at most one further line, at the end. Any line end before that is part of a name
+// or a message, and escaped, so that no name can push the rest off the screen.
+std::vector<std::string> subtitleLines(std::string_view subtitle) {
+    subtitle = trimmedNewlines(subtitle);
+    const std::size_t lastEnd = subtitle.rfind('\n');
+    if (lastEnd == std::string_view::npos) return {shownText(subtitle)};
+    return {shownText(subtitle.substr(0, lastEnd)), shownText(subtitle.substr(lastEnd + 1))};
+}
 
 Json toJson(const PredictReport& report) {
     const AnalysisResult& result = report.result;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "analysis/analysis_result.h"
@@ -31,6 +32,9 @@ struct PredictReport {
 };
 
 Json toJson(const PredictReport& report);
+
+// A row's subtitle as the lines that it is shown as, with nothing in them that a name could have smuggled in.
+std::vector<std::string> subtitleLines(std::string_view subtitle);
 
 struct TerminalStyle {
     bool hasColor = false;

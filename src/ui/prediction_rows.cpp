@@ -16,7 +16,7 @@ namespace {
 
 using ChangeType = ChangesViewChangeType;
 using Row = ChangesViewIconAndText;
-using Rows = std::vector<Row>;
+using Rows = std::vector<PredictionRow>;
 
 constexpr std::size_t changesListedSingly = 9;
 constexpr std::size_t errorsListedSingly = 2;
@@ -180,11 +180,11 @@ std::optional<std::string> noneIfEmpty(const std::string& text) {
 
 void appendErrors(const std::vector<CommandError>& errors, Rows& rows) {
     if (errors.size() <= errorsListedSingly) {
-        for (const CommandError& error : errors) rows.push_back(rowFor(error));
+        for (const CommandError& error : errors) rows.push_back({rowFor(error), std::nullopt});
         return;
     }
-    rows.push_back({icon("red", "apple.terminal"),
-                    std::to_string(errors.size()) + " errors including: " + errors.back().friendly, std::nullopt});
+    const std::string text = std::to_string(errors.size()) + " errors including: " + errors.back().friendly;
+    rows.push_back({{icon("red", "apple.terminal"), text, std::nullopt}, std::nullopt});
 }
 
 // --- the body ---
@@ -204,11 +204,11 @@ struct Surroundings {
     const FilePath& home;
 };
 
-Row singleRow(const ChangesViewChange& change, const Surroundings& around) {
+PredictionRow singleRow(const ChangesViewChange& change, const Surroundings& around) {
     const auto shown = [&](const FilePath& path) { return shownPath(path, around.workingDirectory, around.home); };
-    std::string text(rowOf(changeRows, change.type).verb);
+    std::string text(verbOf(change.type));
     if (change.fileChange.sourceURL) text += ' ' + shown(*change.fileChange.sourceURL) + " to";
-    return {iconOf(change.type), text + ' ' + shown(change.fileChange.url), std::nullopt};
+    return {{iconOf(change.type), text + ' ' + shown(change.fileChange.url), std::nullopt}, change};
 }
 
 std::string includedNames(std::span<const ChangesViewChange> group) {
@@ -229,8 +229,9 @@ void appendGroup(ChangeType type, std::span<const ChangesViewChange> group, std:
         for (const ChangesViewChange& change : group) rows.push_back(singleRow(change, around));
         return;
     }
-    rows.push_back({iconOf(type), std::to_string(total) + ' ' + std::string(row.groupLabel),
-                    group.empty() ? std::nullopt : std::optional(includedNames(group))});
+    rows.push_back({{iconOf(type), std::to_string(total) + ' ' + std::string(row.groupLabel),
+                     group.empty() ? std::nullopt : std::optional(includedNames(group))},
+                    std::nullopt});
 }
 
 void appendSummary(const ChangesView& view, const Surroundings& around, Rows& rows) {
@@ -302,31 +303,55 @@ ChangesViewIconAndText rowFor(const BasherAnalysisError& error) {
             hasText ? error.text : "Please select files to run this command"};
 }
 
-std::vector<ChangesViewIconAndText> predictionRows(const AnalysisResult& result, const FilePath& workingDirectory,
-                                                   const FilePath& home, bool predictionNeedsInstall) {
+std::vector<PredictionRow> predictionRowsWithChanges(const AnalysisResult& result, const FilePath& workingDirectory,
+                                                     const FilePath& home, bool predictionNeedsInstall) {
+    const auto only = [](Row row) { return Rows{{std::move(row), std::nullopt}}; };
     if (predictionNeedsInstall)
-        return {{icon("yellow", "clock"), "Prediction will be available after installation", std::nullopt}};
-    if (result.analysisError) return {rowFor(*result.analysisError)};
+        return only({icon("yellow", "clock"), "Prediction will be available after installation", std::nullopt});
+    if (result.analysisError) return only(rowFor(*result.analysisError));
 
     const ChangesView view(result);
     Rows rows;
     appendErrors(result.commandErrors, rows);
     appendChanges(view, {workingDirectory, home}, rows);
-    for (const SideEffect& sideEffect : view.sideEffects) rows.push_back(rowFor(sideEffect));
-    if (rows.empty())
-        rows.push_back(
-            {std::nullopt, "No file changes or known side effects; likely informational only.", std::nullopt});
+    for (const SideEffect& sideEffect : view.sideEffects) rows.push_back({rowFor(sideEffect), std::nullopt});
+    if (!rows.empty()) return rows;
+    return only({std::nullopt, "No file changes or known side effects; likely informational only.", std::nullopt});
+}
+
+std::vector<ChangesViewIconAndText> predictionRows(const AnalysisResult& result, const FilePath& workingDirectory,
+                                                   const FilePath& home, bool predictionNeedsInstall) {
+    std::vector<Row> rows;
+    for (PredictionRow& each : predictionRowsWithChanges(result, workingDirectory, home, predictionNeedsInstall))
+        rows.push_back(std::move(each.row));
     return rows;
 }
 
-std::string shownPath(const FilePath& path, const FilePath& workingDirectory, const FilePath& home) {
+std::string_view verbOf(ChangesViewChangeType type) {
+    return rowOf(changeRows, type).verb;
+}
+
+PathParts partsOfPath(const FilePath& path, const FilePath& workingDirectory, const FilePath& home) {
+    using From = PathParts::From;
     if (const std::size_t mark = path.text().find(trashMark); mark != std::string::npos)
-        return "Trash/" + path.text().substr(mark + trashMark.size());
+        return {From::trash, path.text().substr(mark + trashMark.size())};
     if (isAtOrBelow(path, workingDirectory))
-        return std::string(path == workingDirectory ? path.name() : partBelow(path, workingDirectory));
-    if (path == home) return "~";
-    if (path.isInside(home)) return "~/" + std::string(partBelow(path, home));
-    return path.text();
+        return {From::folder, std::string(path == workingDirectory ? path.name() : partBelow(path, workingDirectory))};
+    if (isAtOrBelow(path, home)) return {From::home, std::string(partBelow(path, home))};
+    return {From::folder, path.text()};
+}
+
+std::string shownPath(const FilePath& path, const FilePath& workingDirectory, const FilePath& home) {
+    const PathParts parts = partsOfPath(path, workingDirectory, home);
+    switch (parts.from) {
+        case PathParts::From::trash:
+            return "Trash/" + parts.rest;
+        case PathParts::From::home:
+            return parts.rest.empty() ? "~" : "~/" + parts.rest;
+        case PathParts::From::folder:
+            break;
+    }
+    return parts.rest;
 }
 
 }  // namespace brindlet

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "analysis/analysis_result.h"
@@ -53,7 +54,26 @@ ChangesViewIconAndText rowFor(const BasherAnalysisError& error);
 std::vector<ChangesViewIconAndText> predictionRows(const AnalysisResult& result, const FilePath& workingDirectory,
                                                    const FilePath& home, bool predictionNeedsInstall = false);
 
-// How a path is shown: "Trash/name", "~/rest", or relative to the working directory.
+// The same rows with the change of each that tells of a single one: for who draws the verb and the paths apart.
+struct PredictionRow {
+    ChangesViewIconAndText row;
+    std::optional<ChangesViewChange> change;
+};
+std::vector<PredictionRow> predictionRowsWithChanges(const AnalysisResult& result, const FilePath& workingDirectory,
+                                                     const FilePath& home, bool predictionNeedsInstall = false);
+
+// "Creates", "Moves", ...
+std::string_view verbOf(ChangesViewChangeType type);
+
+// A path as it is shown: where it is counted from, and the rest.
+struct PathParts {
+    enum class From { folder, trash, home };
+    From from = From::folder;
+    std::string rest;  // empty for the home folder itself
+    bool operator==(const PathParts&) const = default;
+};
+PathParts partsOfPath(const FilePath& path, const FilePath& workingDirectory, const FilePath& home);
+// The same as a text: "Trash/name", "~/rest", or relative to the working directory.
 std::string shownPath(const FilePath& path, const FilePath& workingDirectory, const FilePath& home);
 
 }  // namespace brindlet

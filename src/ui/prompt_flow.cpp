@@ -319,9 +319,10 @@ void PromptFlow::answered(const Result<AICommand>& answer) {
 void PromptFlow::decide() {
     const FilePath folder(services_.finder.activeFolderPath().value_or(""));
     view_.reasons = reasonsToAsk(commandEffects(view_.analysisResult, folder), services_.allowedEffects());
-    const bool mayRun = view_.reasons.empty() || pureEchoText(view_.command->bashCommand);
-    const bool asksFirst = std::exchange(asksFirst_, false) || services_.alwaysAsks;
-    if (mayRun && !view_.missingPackageName && !asksFirst) {
+    const bool isEcho = pureEchoText(view_.command->bashCommand).has_value();
+    const bool isDoubtful = !isEcho && services_.isSelectionDoubtful && services_.isSelectionDoubtful();
+    const bool asksFirst = std::exchange(asksFirst_, false) || services_.alwaysAsks || isDoubtful;
+    if ((view_.reasons.empty() || isEcho) && !view_.missingPackageName && !asksFirst) {
         logInfo("Auto-running because side effects are compatible with user's settings");
         return runCommand();
     }

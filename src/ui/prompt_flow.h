@@ -95,6 +95,8 @@ struct FlowServices {
     bool summarizes = true;                  // else the run's end is the end, with no result
     bool fansOut = true;                     // else a line runs once with all files, whatever it names
     bool alwaysAsks = false;                 // stops at the prediction whatever the settings allow
+    // True: the items may not be what the user has selected, so nothing runs unasked.
+    std::function<bool()> isSelectionDoubtful{};
 };
 
 // The fields that carry the flow, for reading.

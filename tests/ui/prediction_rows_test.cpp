@@ -163,5 +163,25 @@ TEST(PredictionRows, ShownPaths) {
         EXPECT_EQ(shownPath(FilePath(path), FilePath(folder), home), shown) << path << " from " << folder;
 }
 
+TEST(PredictionRows, SingleChangesComeWithTheirPaths) {
+    const AnalysisResult result = resultOf({"move /home/u/w/a /home/u/.Trash/a", "delete /home/u/w/d"});
+    const auto rows = predictionRowsWithChanges(result, workingDirectory, home);
+    ASSERT_EQ(rows.size(), 2U);
+    ASSERT_TRUE(rows[0].change && rows[1].change);
+    EXPECT_EQ(rows[0].change->type, ChangesViewChangeType::delete_);
+    EXPECT_EQ(rows[1].change->type, ChangesViewChangeType::moveToTrash);
+    using From = PathParts::From;
+    const std::pair<const char*, PathParts> cases[] = {{"/home/u/.Trash/s/a", {From::trash, "s/a"}},
+                                                       {"/home/u/w/s/a", {From::folder, "s/a"}},
+                                                       {"/home/u/w", {From::folder, "w"}},
+                                                       {"/home/u/x", {From::home, "x"}},
+                                                       {"/home/u", {From::home, ""}},
+                                                       {"/home/under", {From::folder, "/home/under"}}};
+    for (const auto& [path, parts] : cases) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(partsOfPath(FilePath(path), workingDirectory, home), parts);
+    }
+}
+
 }  // namespace prediction_rows_tests
 }  // namespace brindlet

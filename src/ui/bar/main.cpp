@@ -1,67 +1,67 @@
-// The desktop bar: brindlet-bar [--folder DIR] [FILE...]. `brindlet bar` starts it.
+// The desktop bar: brindlet-bar [--toggle | --settings | --quit | --login] [--folder DIR] [FILE...]. `brindlet bar`
+// starts it.
 #include <QApplication>
-#include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <exception>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "ui/bar/bar_model.h"
-#include "ui/bar/qt_loop.h"
+#include "desktop/linux/selection_reader.h"
+#include "platform/environment.h"
+#include "ui/bar/bar_program.h"
 #include "ui/terminal/command_line_context.h"
 #include "ui/terminal/console.h"
 #include "ui/terminal/exit_code.h"
-#include "ui/terminal/flow_host.h"
-
-#include "exec/progress_trackers.h"
 
 namespace brindlet {
 
 namespace {
 
-struct BarWords {
-    std::string folder;
-    std::vector<std::string> files;
+struct KindRow {
+    std::string_view word;
+    BarRequest::Kind kind;
 };
+constexpr KindRow kindRows[] = {{"--toggle", BarRequest::Kind::toggle},
+                                {"--settings", BarRequest::Kind::settings},
+                                {"--quit", BarRequest::Kind::quit},
+                                {"--login", BarRequest::Kind::login}};
 
-// What Qt has left of the words.
-BarWords wordsOf(const QStringList& arguments) {
-    BarWords words;
+// `brindlet bar` has looked at the words before; a folder and files are whole paths.
+BarRequest requestOf(const std::vector<std::string>& arguments) {
+    BarRequest request;
+    FinderSelection selection;
     bool areOptionsOver = false;
-    for (qsizetype at = 1; at < arguments.size(); ++at) {
-        const std::string word = arguments[at].toStdString();
-        if (!areOptionsOver && word == "--") {
+    for (std::size_t at = 1; at < arguments.size(); ++at) {
+        const std::string& word = arguments[at];
+        const auto* row = std::ranges::find(kindRows, std::string_view(word), &KindRow::word);
+        if (areOptionsOver) {
+            selection.items.push_back(word);
+        } else if (word == "--") {
             areOptionsOver = true;
-        } else if (!areOptionsOver && word == "--folder" && at + 1 < arguments.size()) {
-            words.folder = arguments[++at].toStdString();
+        } else if (word == "--folder" && at + 1 < arguments.size()) {
+            selection.activeFolderPath = arguments[++at];
+        } else if (row != std::end(kindRows)) {
+            request.kind = row->kind;
+        } else if (word.starts_with('-')) {
+            throw UsageError{"'" + word + "' is no option of the bar: see 'brindlet bar --help'"};
         } else {
-            words.files.push_back(word);
+            selection.items.push_back(word);
         }
     }
-    return words;
+    if (selection.activeFolderPath.empty() && !selection.items.empty())
+        selection.activeFolderPath = FilePath(selection.items.front()).parent().text();
+    if (!selection.activeFolderPath.empty()) request.handedOver = std::move(selection);
+    return request;
 }
 
-int runBarProgram(const QApplication& application) {
+int runBarProgram(const BarRequest& request, AnsweringProcess& reader) {
+    if (request.kind == BarRequest::Kind::quit) return 0;  // none runs
     CommandLineContext context;
-    const BarWords words = wordsOf(application.arguments());
-    if (!words.folder.empty()) context.useFolder(words.folder);
-    std::vector<FilePath> files = context.existingFiles(words.files);
     context.startLogging();
-
-    QtLoop loop;
-    FlowOptions options;
-    options.trackers = chooseProgressTracker;
-    options.reveals = true;
-    FlowHost host(context, loop, std::move(files), std::move(options));
-    BarModel model(host);
-    host.flow().appear();
-
-    QQmlApplicationEngine engine;
-    engine.setInitialProperties({{"model", QVariant::fromValue(&model)}});
-    engine.load(QUrl("qrc:/brindlet/qml/Bar.qml"));
-    if (engine.rootObjects().isEmpty())
-        throw UsageError{"the bar's pages can't be loaded: is Qt Quick installed whole?"};
+    BarProgram program(context, reader);
+    program.start(request);
     return QApplication::exec();
 }
 
@@ -72,14 +72,21 @@ int runBarProgram(const QApplication& application) {
 int main(int argc, char** argv) {
     using namespace brindlet;
     prepareStandardStreams();
-    // Without a graphics card's help it is the quicker and the smaller one, and works on every machine.
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    QQuickStyle::setStyle("Basic");
-    QApplication application(argc, argv);
-    QApplication::setApplicationName("Brindlet");
-    QApplication::setDesktopFileName("com.fenwold.Brindlet");
     try {
-        return runBarProgram(application);
+        // Before there are other threads.
+        AnsweringProcess reader(selectionAnswer());
+        // Without a graphics card's help it is the quicker and the smaller one, and works on every machine.
+        if (!qEnvironmentVariableIsSet("QSG_RHI_BACKEND")) QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        QQuickStyle::setStyle("Basic");
+        QApplication application(argc, argv);
+        QApplication::setApplicationName("Brindlet");
+        QApplication::setApplicationVersion(BRINDLET_VERSION);
+        QApplication::setDesktopFileName("com.fenwold.Brindlet");
+        QApplication::setWindowIcon(programIcon());
+        QApplication::setQuitOnLastWindowClosed(false);
+        const BarRequest request = requestOf({argv, argv + argc});  // without Qt's own
+        if (SingleInstance::handOver(request)) return 0;
+        return runBarProgram(request, reader);
     } catch (const UsageError& error) {
         reportProblem(error.sentence);
         return exitWrongUsage;

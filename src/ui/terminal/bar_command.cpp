@@ -29,12 +29,27 @@ std::string barProgram() {
 class BarCommand final : public Subcommand {
   public:
     explicit BarCommand(CLI::App& app)
-        : files_(*addWords(app, "FILE", "The items to begin with")), folder_(*addFolderOption(app)) {}
+        : files_(*addWords(app, "FILE", "The items to begin with")), folder_(*addFolderOption(app)) {
+        for (const auto& [word, help] :
+             {std::pair{"--toggle", "Bring the bar forward, or take it away"},
+              std::pair{"--settings", "Open the settings"}, std::pair{"--quit", "End the bar"},
+              std::pair{"--login", "As it was left, for the start of a session"}})
+            modes_.push_back(app.add_flag(word, help));
+        for (CLI::Option* mode : modes_)
+            for (CLI::Option* other : modes_)
+                if (mode != other) mode->excludes(other);
+    }
 
     int run(CommandLineContext& context, StandardOutput&) override {
+        std::vector<std::string> words = {barProgram()};
+        for (const CLI::Option* mode : modes_)
+            if (mode->count() > 0) words.push_back("--" + mode->get_single_name());
         if (folder_.count() > 0) context.useFolder(requiredWord(folder_));
-        std::vector<std::string> words = {barProgram(), "--folder", context.folder().text(), "--"};
-        for (const FilePath& file : context.existingFiles(wordsOf(files_))) words.push_back(file.text());
+        const std::vector<FilePath> files = context.existingFiles(wordsOf(files_));
+        if (folder_.count() > 0 || !files.empty()) {
+            words.insert(words.end(), {"--folder", context.folder().text(), "--"});
+            for (const FilePath& file : files) words.push_back(file.text());
+        }
         if (words.front().empty()) {
             reportProblem(
                 "the desktop bar was not built, since Qt 6 was missing then: install qt6-declarative-dev and build "
@@ -52,6 +67,7 @@ class BarCommand final : public Subcommand {
   private:
     const CLI::Option& files_;
     const CLI::Option& folder_;
+    std::vector<CLI::Option*> modes_;
 };
 
 }  // namespace

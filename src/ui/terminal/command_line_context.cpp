@@ -19,17 +19,15 @@ constexpr std::string_view binariesName = "Binaries";
 // Archives come from here instead, for tests and mirrors.
 constexpr std::string_view packagesBaseURLVariable = "BRINDLET_PACKAGES_BASE_URL";
 
-FilePath packagesFolder() {
-    return dataFolder().child("Packages");
-}
-
 // The tools that came with the program, or that somebody put beside its data. In an installed tree they don't lie among
-// the users' own programs: bin/brindlet, libexec/brindlet/.
+// the users' own programs: bin/brindlet, libexec/brindlet/, where the desktop bar lies too.
 std::vector<FilePath> binariesFolders() {
     std::error_code error;
     const FilePath program(std::filesystem::read_symlink("/proc/self/exe", error).string());
-    return {dataFolder().child(binariesName), program.parent().child(binariesName),
-            program.parent().parent().child("libexec").child("brindlet")};
+    const FilePath folder = program.parent();
+    const auto toolsBelow = [](const FilePath& prefix) { return prefix.child("libexec").child("brindlet"); };
+    return {dataFolder().child(binariesName), folder.child(binariesName), toolsBelow(folder.parent()),
+            toolsBelow(folder.parent().parent())};
 }
 
 }  // namespace
@@ -126,6 +124,10 @@ ToolSearchPath& CommandLineContext::searchPath() {
     if (!searchPath_)
         searchPath_ = std::make_unique<ToolSearchPath>(*files_, packagesFolder(), binariesFolders(), environment());
     return *searchPath_;
+}
+
+FilePath CommandLineContext::packagesFolder() {
+    return dataFolder().child("Packages");
 }
 
 PackageManager& CommandLineContext::packages() {

@@ -55,6 +55,8 @@ class CommandLineContext {
     void startLogging();
     ToolSearchPath& searchPath();
     PackageManager& packages();
+    // Where it puts what it downloads.
+    static FilePath packagesFolder();
     // All of it lives as long as this context.
     const AnalysisServices& analysisServices();
     // No tool of a prediction is waited for once the descriptor can be read. Before the first prediction.

@@ -58,11 +58,9 @@ FlowHost::FlowHost(CommandLineContext& context, MainLoop& loop, std::vector<File
       packages_(flowPackages(context)),
       presenter_(openFilePresenter(context.environment(), options_.tell)),
       workers_(std::make_unique<ThreadWorkers>()),
-      finder_(loop_, *workers_, context.files(), [this]() -> Result<std::optional<FinderSelection>> {
-          return std::optional(FinderSelection{textsOf(files_), context_.folder().text()});
-      }) {
+      finder_(loop_, *workers_, context.files(), source()) {
     if (options_.remembers) history_.emplace(dataFolder(), context.settings());
-    select(std::move(files_));
+    if (!options_.finderSource) select(std::move(files_));
     flow_ = std::make_unique<PromptFlow>(services());
     finder_.onChange([this] { flow_->selectionChanged(); });
 }
@@ -70,6 +68,13 @@ FlowHost::FlowHost(CommandLineContext& context, MainLoop& loop, std::vector<File
 FlowHost::~FlowHost() {
     flow_.reset();
     finish();
+}
+
+FinderSource FlowHost::source() {
+    if (options_.finderSource) return options_.finderSource;
+    return [this]() -> Result<std::optional<FinderSelection>> {
+        return std::optional(FinderSelection{textsOf(files_), context_.folder().text()});
+    };
 }
 
 FlowServices FlowHost::services() {
@@ -81,8 +86,8 @@ FlowServices FlowHost::services() {
             .modelList = context_.models(),
             .packages = *packages_,
             .analyse =
-                [this](const std::string& line, const std::vector<FilePath>& files, const FilePath&) {
-                    prediction_ = predictCommand(line, files, context_);
+                [this](const std::string& line, const std::vector<FilePath>& files, const FilePath& folder) {
+                    prediction_ = predictCommand(line, files, folder, context_);
                     return prediction_->result;
                 },
             .allowedEffects = [this] { return AnalysisConfirmationToggleList(context_.settings()).toggles(); },
@@ -101,7 +106,8 @@ FlowServices FlowHost::services() {
             .model = options_.model,
             .summarizes = options_.summarizes,
             .fansOut = options_.fansOut,
-            .alwaysAsks = options_.alwaysAsks};
+            .alwaysAsks = options_.alwaysAsks,
+            .isSelectionDoubtful = options_.isSelectionDoubtful};
 }
 
 std::optional<PredictReport> FlowHost::currentPrediction() const {

@@ -38,11 +38,15 @@ struct FlowOptions {
     TellUser tell = [](const std::string&) {};
     // Shows new files in the file manager.
     bool reveals = false;
+    // Where the selection comes from, once `finder()` is started; else it is what `select` says, in the context's
+    // folder.
+    FinderSource finderSource{};
+    std::function<bool()> isSelectionDoubtful{};
 };
 
 class FlowHost {
   public:
-    // The context and the loop outlive it. The selection is `files` in the context's folder, until `select` changes it.
+    // The context and the loop outlive it. Without a source the selection is `files`, until `select` changes it.
     FlowHost(CommandLineContext& context, MainLoop& loop, std::vector<FilePath> files, FlowOptions options);
     ~FlowHost();
     FlowHost(const FlowHost&) = delete;
@@ -63,6 +67,7 @@ class FlowHost {
     void finish() { workers_.reset(); }
 
   private:
+    FinderSource source();
     FlowServices services();
 
     CommandLineContext& context_;

@@ -14,11 +14,10 @@ namespace brindlet {
 namespace {
 
 AnalysisResult analyze(const std::string& command, RunMode mode, const std::vector<FilePath>& files,
-                       CommandLineContext& context) {
+                       const FilePath& folder, CommandLineContext& context) {
     if (mode != RunMode::once && files.empty())
         return failedAnalysis(command, {BasherAnalysisError::Kind::noFilesSelected, ""});
-    return analyzeRequest(command, context.folder(),
-                          runEnvironments(command, files, context.folder(), context.environment()),
+    return analyzeRequest(command, folder, runEnvironments(command, files, folder, context.environment()),
                           context.analysisServices());
 }
 
@@ -45,12 +44,17 @@ bool localeIsUtf8() {
 
 PredictReport predictCommand(const std::string& command, const std::vector<FilePath>& files,
                              CommandLineContext& context) {
+    return predictCommand(command, files, context.folder(), context);
+}
+
+PredictReport predictCommand(const std::string& command, const std::vector<FilePath>& files, const FilePath& folder,
+                             CommandLineContext& context) {
     logInfo("PRE ANALYSIS COMMAND: " + command);
     const RunMode mode = runMode(command);
     PredictReport report{.command = command,
-                         .result = analyze(command, mode, files, context),
+                         .result = analyze(command, mode, files, folder, context),
                          .runs = std::string(caseName(mode)),
-                         .folder = context.folder(),
+                         .folder = folder,
                          .home = homeFolder(),
                          .toggles = AnalysisConfirmationToggleList(context.settings()).toggles(),
                          .missingPackage = std::nullopt,

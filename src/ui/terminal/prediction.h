@@ -16,6 +16,9 @@ namespace brindlet {
 // `noFilesSelected`, whatever else it holds.
 PredictReport predictCommand(const std::string& command, const std::vector<FilePath>& files,
                              CommandLineContext& context);
+// In another folder than the context's.
+PredictReport predictCommand(const std::string& command, const std::vector<FilePath>& files, const FilePath& folder,
+                             CommandLineContext& context);
 
 // For the stream that `descriptor` is: colour and characters as it can show them.
 TerminalStyle styleFor(int descriptor);

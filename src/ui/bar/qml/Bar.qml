@@ -1,182 +1,551 @@
 import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
+import QtQuick.Shapes
 import QtQuick.Window
 
-// The bar as it stands by itself: at the bottom of the screen, in the middle.
+// The bar: what is selected, the field or the result, and the buttons. C++ says where it stands and how big it is.
 Window {
     id: bar
 
     required property var model
+    required property var frame
 
-    readonly property bool isEntering: ["enteringPrompt", "enteringFollowUpPrompt", "question"].includes(model.promptState)
-    readonly property var placeholders: ({enteringPrompt: "Enter query or command",
-                                          enteringFollowUpPrompt: "Refine your request...", question: "Respond..."})
+    readonly property string promptState: model.promptState
+    readonly property bool isEntering: ["enteringPrompt", "enteringFollowUpPrompt", "question"].includes(promptState)
+    readonly property bool isWorking: ["sendingRequest", "responseReceived", "runningCommand", "installingPackage",
+                                       "completeButInterprettingResult"].includes(promptState)
+    readonly property bool canRefine: ["awaitingConfirmation", "complete", "presentingError"].includes(promptState)
+    readonly property bool hasPrediction: model.hasCommand
+                                          && !["enteringPrompt", "sendingRequest", "question"].includes(promptState)
+    readonly property bool hasOutput: promptState === "complete" && model.fullOutput !== ""
+    readonly property string followUpLabel: promptState === "complete" ? "Follow up..." : "Refine request..."
+    readonly property var riskIcons: ({low: ["info.circle", "primary"], medium: ["exclamationmark.triangle", "medium"],
+                                       high: ["exclamationmark.octagon.fill", "red"]})
+    property bool fullCommandOutputShowing: false
+    property bool isReady: false
 
-    width: Math.min(800, Screen.desktopAvailableWidth - 40)
-    height: 85
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + Screen.height - height - 48
-    flags: Qt.FramelessWindowHint | Qt.Window
-    color: "transparent"
-    visible: true
+    // What the width has room for.
+    readonly property real barWidth: width - 2 * frame.overhang
+    readonly property bool isNarrow: barWidth < 520
+    readonly property bool isTiny: barWidth < 280
+    readonly property bool isCramped: isTiny && !isEntering  // the result needs all there is
+    // The shadow falls into what is left free around the bar.
+    readonly property real shade: frame.hasCompositor && frame.overhang > 0 ? 10 : 0
+    readonly property rect screenArea: Qt.rect(area.Screen.virtualX, area.Screen.virtualY, area.Screen.width,
+                                               area.Screen.height)
+
     title: "Brindlet"
+    color: "transparent"  // always: a window keeps the depth that it was made with
+
+    onClosing: close => {
+        close.accepted = false
+        frame.windowShouldClose()
+    }
+    onHasOutputChanged: fullCommandOutputShowing = false
+    onPromptStateChanged: Qt.callLater(placeFocus)
+    Component.onCompleted: {
+        field.text = model.prompt
+        placeFocus()
+        makeWanted()
+        isReady = true
+    }
+
+    function placeFocus() {
+        if (isEntering)
+            field.forceActiveFocus()
+        else
+            result.forceActiveFocus()
+        // A popover that the keyboard was in gives it back when it goes.
+        if ((prediction.item && prediction.item.active && !prediction.item.visible)
+            || (output.item && output.item.active && !output.item.visible))
+            requestActivate()
+    }
+    function focusResult() {
+        requestActivate()
+        placeFocus()
+    }
+    // Where a popover of that item stands: above the bar.
+    function standOf(item) {
+        const middle = item.mapToItem(null, item.width / 2, 0).x
+        return Qt.rect(bar.x + middle, bar.y, 0, ground.height)
+    }
+    function takePrompt() {
+        if (field.text === model.prompt)
+            return
+        const at = field.cursorPosition
+        field.text = model.prompt
+        field.cursorPosition = Math.min(at, field.length)
+    }
+    function handleKey(event) {
+        if (event.key === Qt.Key_Escape)
+            model.escape()
+        else if (event.key === Qt.Key_Up)
+            model.historyStep(-1)
+        else if (event.key === Qt.Key_Down)
+            model.historyStep(1)
+        else if (event.key === Qt.Key_R && event.modifiers === Qt.ControlModifier && canRefine)
+            model.refine()
+        else
+            return false
+        return true
+    }
 
     Theme { id: theme }
 
     Connections {
         target: bar.model
-        function onChanged() {
-            if (bar.isEntering && field.text !== bar.model.prompt)
+        function onPromptChanged() {
+            if (field.text !== bar.model.prompt)
                 field.text = bar.model.prompt
-            if (bar.isEntering)
-                field.forceActiveFocus()
-            else
-                result.forceActiveFocus()
+        }
+        function onHistoryMoved(direction) {
+            slide.from = direction * -12
+            sliding.restart()
+        }
+    }
+    DropArea {
+        id: drop
+        objectName: "drop"
+        anchors.fill: parent
+        onEntered: drag => drag.accepted = drag.hasUrls
+        onDropped: event => {
+            bar.frame.dropped(event.urls)
+            event.accept()
         }
     }
 
-    Rectangle {
+    Item {
+        id: area
         anchors.fill: parent
-        anchors.margins: 6
-        radius: 18
-        color: theme.surface
-        border.color: theme.line
+        opacity: bar.frame.foldOpacity
+        transform: Rotation {
+            axis { x: 1; y: 0; z: 0 }
+            origin { x: bar.width / 2; y: 0 }
+            angle: bar.frame.foldDegrees
+        }
 
-        RowLayout {
+        // What the cut of the window leaves of the corners.
+        Rectangle {
             anchors.fill: parent
-            anchors.leftMargin: 16
-            anchors.rightMargin: 12
-            spacing: 10
+            visible: !bar.frame.hasCompositor
+            color: theme.line
+        }
+        SoftShadow {
+            anchors.fill: ground
+            visible: bar.shade > 0
+            radius: ground.radius
+            extent: bar.shade
+        }
+        Rectangle {
+            id: ground
+            x: bar.frame.overhang
+            width: bar.barWidth
+            height: bar.height - bar.shade
+            radius: theme.barRadius
+            color: theme.faded(theme.surface, bar.frame.hasCompositor && bar.frame.isTranslucent ? 0.93 : 1)
+            border.color: theme.line
+        }
 
-            Label {
-                text: bar.model.selection
-                visible: text !== ""
-                color: theme.secondary
-                padding: 6
-                leftPadding: 10
-                rightPadding: 10
-                background: Rectangle {
-                    radius: 8
-                    color: theme.panel
-                    border.color: theme.line
-                }
+        Item {
+            id: content
+            anchors.fill: ground
+            anchors.leftMargin: bar.isTiny ? 12 : 16
+            anchors.rightMargin: bar.isTiny ? 8 : 12
+
+            SelectionLabel {
+                id: selection
+                objectName: "selection"
+                anchors.verticalCenter: parent.verticalCenter
+                theme: theme
+                text: bar.barWidth < 240 || bar.isCramped ? "" : bar.model.selection
+                names: bar.model.selectedNames
+                knowsSelection: bar.frame.knowsSelection
+                isSmall: bar.isNarrow
+                isTarget: drop.containsDrag
             }
 
-            ColumnLayout {
-                visible: bar.isEntering
-                Layout.fillWidth: true
-                spacing: 2
+            Row {
+                id: tools
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                spacing: bar.isTiny ? 0 : 4
 
-                Label {
-                    visible: bar.model.promptState === "question"
-                    text: bar.model.statusText
-                    textFormat: Text.PlainText
-                    color: theme.primary
-                    elide: Text.ElideRight
-                    Layout.fillWidth: true
+                ModelPopup {
+                    objectName: "models"
+                    visible: bar.isEntering && !bar.isTiny
+                    width: isOnlyIcon ? 28 : Math.min(implicitWidth, 180)
+                    theme: theme
+                    sections: bar.model.modelSections
+                    selectedName: bar.model.selectedModel
+                    selectedTitle: bar.model.selectedModelTitle
+                    isOnlyIcon: bar.barWidth < 640
+                    hasCompositor: bar.frame.hasCompositor
+                    standsAbove: 0
+                    onOpening: bar.model.refreshModels()
+                    onChosen: name => bar.model.selectModel(name)
+                    onSettingsWanted: bar.frame.openSettings("AI Models")
+                    onIsOpenChanged: if (!isOpen) bar.placeFocus()
                 }
-                TextField {
-                    id: field
-                    objectName: "field"
-                    Layout.fillWidth: true
-                    focus: true
-                    maximumLength: 250
-                    font.pixelSize: 16
-                    color: theme.primary
-                    placeholderText: bar.placeholders[bar.model.promptState] || ""
-                    placeholderTextColor: theme.secondary
-                    background: null
-                    onTextEdited: bar.model.setPrompt(text)
-                    onAccepted: bar.model.submit()
-                    Keys.onUpPressed: bar.model.historyStep(-1)
-                    Keys.onDownPressed: bar.model.historyStep(1)
-                    Keys.onEscapePressed: bar.model.escape()
+                BarButton {
+                    id: clock
+                    objectName: "clock"
+                    visible: !bar.isCramped
+                    theme: theme
+                    symbol: "clock"
+                    tip: "History"
+                    checked: bar.model.isHistoryShown
+                    // A press outside has put the list away already when the click comes.
+                    property bool wasShown: false
+                    onPressed: wasShown = bar.model.isHistoryShown
+                    onClicked: bar.model.showHistory(!wasShown)
                 }
-            }
-
-            FocusScope {
-                id: result
-                visible: !bar.isEntering
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Keys.onReturnPressed: bar.model.confirmOrDismiss()
-                Keys.onEnterPressed: bar.model.confirmOrDismiss()
-                Keys.onEscapePressed: bar.model.escape()
-                Keys.onUpPressed: bar.model.historyStep(-1)
-                Keys.onDownPressed: bar.model.historyStep(1)
-                Keys.onPressed: event => {
-                    if (event.key === Qt.Key_R && (event.modifiers & Qt.ControlModifier)) {
-                        bar.model.refine()
-                        event.accepted = true
+                BarButton {
+                    objectName: "gear"
+                    visible: !bar.isCramped
+                    theme: theme
+                    symbol: "gear"
+                    tip: "Settings"
+                    onClicked: bar.frame.openSettings()
+                }
+                BarButton {
+                    objectName: "close"
+                    theme: theme
+                    symbol: "xmark"
+                    symbolSize: 16
+                    tip: bar.promptState === "enteringPrompt" ? "Hide the bar" : "Close"
+                    onClicked: {
+                        if (bar.promptState === "enteringPrompt")
+                            bar.frame.pressCloseButton()
+                        else
+                            bar.model.close()
                     }
                 }
+            }
 
+            Item {
+                id: middle
+                anchors.left: selection.right
+                anchors.leftMargin: selection.width > 0 ? (bar.isNarrow ? 8 : 12) : 0
+                anchors.right: tools.left
+                anchors.rightMargin: bar.isNarrow ? 4 : 12
+                anchors.top: parent.top
+                anchors.bottom: parent.bottom
+                transform: Translate { id: slide; property real from: 0 }
+
+                ParallelAnimation {
+                    id: sliding
+                    NumberAnimation { target: slide; property: "y"; from: slide.from; to: 0; duration: 200; easing.type: Easing.OutBack }
+                    NumberAnimation { target: middle; property: "opacity"; from: 0.2; to: 1; duration: 160 }
+                }
+
+                // The field, and above it the question that it answers.
                 Column {
+                    id: entry
+                    visible: bar.isEntering
                     anchors.verticalCenter: parent.verticalCenter
                     width: parent.width
-                    spacing: 6
-                    Label {
-                        width: parent.width
-                        text: bar.model.statusText
+                    spacing: 4
+
+                    Text {
+                        id: question
+                        objectName: "question"
+                        x: Math.max(0, Math.min(entryRow.x + entryRow.width / 2 - width / 2, entry.width - width))
+                        visible: bar.promptState === "question"
+                        width: Math.min(entry.width, Math.ceil(questionMetrics.advanceWidth) + 1)
+                        horizontalAlignment: Text.AlignHCenter
+                        text: visible ? bar.model.statusText : ""
                         textFormat: Text.PlainText
+                        wrapMode: Text.WordWrap
+                        maximumLineCount: 2
                         elide: Text.ElideRight
-                        font.pixelSize: 15
-                        color: bar.model.promptState === "presentingError" ? theme.named("red")
-                             : bar.model.promptState === "complete" ? theme.primary : theme.secondary
+                        lineHeight: 16
+                        lineHeightMode: Text.FixedHeight
+                        font.pixelSize: theme.body
+                        color: theme.primary
+                        TextMetrics {
+                            id: questionMetrics
+                            font: question.font
+                            text: question.text
+                        }
+                        HoverHandler { id: overQuestion }
+                        HintArea {
+                            theme: theme
+                            text: question.truncated ? question.text : ""
+                            isHovered: overQuestion.hovered
+                        }
                     }
-                    ProgressBar {
-                        width: parent.width
-                        visible: bar.model.progress >= 0 || bar.model.promptState === "sendingRequest"
-                        indeterminate: bar.model.progress < 0
-                        value: Math.max(0, bar.model.progress)
+                    Row {
+                        id: entryRow
+                        // In the middle of the bar where there is room for that.
+                        x: Math.max(0, Math.min(content.width / 2 - middle.x - width / 2, entry.width - width))
+                        spacing: 8
+                        readonly property real besides: (followUpIcon.visible ? followUpIcon.width + spacing : 0)
+                                                        + (reply.visible ? reply.width + spacing : 0)
+
+                        Rectangle {
+                            id: capsule
+                            readonly property real maxPromptFieldWidth: entry.width - entryRow.besides
+                            property real promptWidth: Math.max(200, Math.ceil(promptMetrics.advanceWidth) + 20)
+                            readonly property real around: submit.visible ? 14 + 4 + submit.width + 3 : 24
+                            width: Math.max(24, Math.min(promptWidth + around,
+                                                         Math.max(maxPromptFieldWidth - 60 + around, Math.min(200, maxPromptFieldWidth))))
+                            height: question.visible ? 28 : 32
+                            radius: height / 2
+                            color: theme.field
+                            border.width: field.activeFocus && bar.active ? 2 : 1
+                            border.color: field.activeFocus && bar.active ? theme.accent : theme.line
+                            Behavior on promptWidth {
+                                enabled: bar.isReady
+                                NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
+                            }
+                            TextMetrics {
+                                id: promptMetrics
+                                font: field.font
+                                text: field.text
+                            }
+                            Field {
+                                id: field
+                                objectName: "field"
+                                anchors.verticalCenter: parent.verticalCenter
+                                x: submit.visible ? 14 : 12
+                                width: parent.width - parent.around
+                                theme: theme
+                                isBare: true
+                                font.pixelSize: theme.large
+                                placeholderText: ({enteringPrompt: "Enter query or command",
+                                                   enteringFollowUpPrompt: "Refine your request...",
+                                                   question: "Respond..."})[bar.promptState] || ""
+                                Accessible.name: placeholderText
+                                onTextEdited: {
+                                    bar.model.setPrompt(text)
+                                    bar.takePrompt()
+                                }
+                                Keys.priority: Keys.BeforeItem
+                                Keys.onPressed: event => {
+                                    if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
+                                        bar.model.submit()
+                                    else if (event.key === Qt.Key_Tab)
+                                        bar.frame.returnToFinder()
+                                    else if (!bar.handleKey(event))
+                                        return
+                                    event.accepted = true
+                                }
+                            }
+                            BarButton {
+                                id: submit
+                                objectName: "submit"
+                                anchors.right: parent.right
+                                anchors.rightMargin: 3
+                                anchors.verticalCenter: parent.verticalCenter
+                                implicitWidth: 26
+                                implicitHeight: 26
+                                visible: bar.promptState !== "question" && !bar.isTiny
+                                enabled: field.text.trim() !== ""
+                                theme: theme
+                                symbol: "arrow.up"
+                                symbolSize: 15
+                                isFilled: true
+                                onClicked: bar.model.submit()
+                            }
+                        }
+                        PlainButton {
+                            id: reply
+                            objectName: "reply"
+                            anchors.verticalCenter: parent.verticalCenter
+                            visible: bar.promptState === "question" && !bar.isTiny
+                            enabled: field.text.trim() !== ""
+                            theme: theme
+                            isProminent: true
+                            text: "Reply"
+                            onClicked: bar.model.submit()
+                        }
+                        PopoverIconWidget {
+                            id: followUpIcon
+                            objectName: "followUpPredictionIcon"
+                            anchors.verticalCenter: parent.verticalCenter
+                            visible: bar.promptState === "enteringFollowUpPrompt" && bar.hasPrediction
+                            theme: theme
+                            tip: "Prediction"
+                            iconName: bar.riskIcons[bar.model.risk][0]
+                            iconColor: theme.named(bar.riskIcons[bar.model.risk][1])
+                            showing: bar.model.isPredictionShown
+                            onFlipped: showing => bar.model.showPrediction(showing)
+                            onPopoverHidden: bar.focusResult()
+                        }
                     }
                 }
-            }
 
-            BarButton {
-                visible: ["awaitingConfirmation", "complete", "presentingError", "enteringFollowUpPrompt"]
-                         .includes(bar.model.promptState)
-                text: ({low: "ⓘ", medium: "⚠", high: "⛔"})[bar.model.risk]
-                tip: "What it does"
-                theme: theme
-                onClicked: bar.model.showPrediction(!bar.model.isPredictionShown)
-            }
-            BarButton {
-                visible: bar.model.promptState === "complete" && bar.model.fullOutput !== ""
-                text: "≡"
-                tip: "Full command output"
-                theme: theme
-                onClicked: output.visible = !output.visible
-            }
-            Button {
-                visible: ["awaitingConfirmation", "complete", "presentingError"].includes(bar.model.promptState)
-                text: bar.model.promptState === "complete" ? "Follow up..." : "Refine request..."
-                flat: true
-                onClicked: bar.model.refine()
-            }
-            BarButton {
-                visible: bar.model.promptState !== "enteringPrompt"
-                text: "✕"
-                tip: "Close"
-                theme: theme
-                onClicked: bar.model.close()
+                // The line that says what is going on, and what came of it.
+                FocusScope {
+                    id: result
+                    objectName: "result"
+                    visible: !bar.isEntering
+                    anchors.fill: parent
+                    Keys.onPressed: event => {
+                        if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+                            if (!event.isAutoRepeat)
+                                bar.model.confirmOrDismiss()
+                        } else if (!bar.handleKey(event)) {
+                            return
+                        }
+                        event.accepted = true
+                    }
+
+                    Spinner {
+                        id: spinner
+                        visible: bar.isWorking
+                        anchors.verticalCenter: parent.verticalCenter
+                        size: 16
+                        color: theme.secondary
+                    }
+                    Column {
+                        anchors.left: parent.left
+                        anchors.leftMargin: spinner.visible ? 26 : 0
+                        anchors.right: widgets.left
+                        anchors.rightMargin: 8
+                        anchors.verticalCenter: parent.verticalCenter
+                        spacing: 8
+                        Text {
+                            id: status
+                            objectName: "status"
+                            width: parent.width
+                            text: bar.isEntering ? "" : bar.model.statusText
+                            textFormat: Text.PlainText
+                            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                            maximumLineCount: progress.visible ? 2 : 3
+                            elide: Text.ElideRight
+                            font.pixelSize: bar.isTiny ? theme.body - 1 : bar.isNarrow ? theme.body : theme.large
+                            color: bar.promptState === "presentingError" ? theme.named("red")
+                                 : bar.promptState === "complete" ? theme.primary : theme.secondary
+                            HoverHandler { id: overStatus }
+                            HintArea {
+                                theme: theme
+                                text: status.truncated ? status.text : ""
+                                isHovered: overStatus.hovered
+                            }
+                        }
+                        ProgressLine {
+                            id: progress
+                            objectName: "progress"
+                            width: parent.width
+                            visible: bar.isWorking && bar.model.progress >= 0
+                            height: 4
+                            theme: theme
+                            progress: Math.max(0, bar.model.progress)
+                            Behavior on progress {
+                                NumberAnimation { duration: bar.model.progressDuration; easing.type: Easing.InOutQuad }
+                            }
+                        }
+                    }
+                    Row {
+                        id: widgets
+                        anchors.right: parent.right
+                        anchors.verticalCenter: parent.verticalCenter
+                        spacing: 4
+                        PopoverIconWidget {
+                            id: predictionIcon
+                            objectName: "predictionIcon"
+                            visible: bar.hasPrediction
+                            theme: theme
+                            tip: "Prediction"
+                            iconName: bar.riskIcons[bar.model.risk][0]
+                            iconColor: theme.named(bar.riskIcons[bar.model.risk][1])
+                            showing: bar.model.isPredictionShown
+                            onFlipped: showing => bar.model.showPrediction(showing)
+                            onPopoverHidden: bar.focusResult()
+                        }
+                        PopoverIconWidget {
+                            id: outputIcon
+                            objectName: "outputIcon"
+                            visible: bar.hasOutput
+                            theme: theme
+                            tip: "Full command output"
+                            iconName: "text.justify.left"
+                            showing: bar.fullCommandOutputShowing
+                            onFlipped: showing => bar.fullCommandOutputShowing = showing
+                            onPopoverHidden: bar.focusResult()
+                        }
+                        PlainButton {
+                            objectName: "refine"
+                            visible: bar.canRefine && !bar.isNarrow
+                            focusPolicy: Qt.NoFocus
+                            theme: theme
+                            isQuiet: true
+                            text: bar.followUpLabel
+                            onClicked: bar.model.refine()
+                        }
+                        BarButton {
+                            objectName: "refineIcon"
+                            visible: bar.canRefine && bar.isNarrow && !bar.isTiny
+                            theme: theme
+                            symbol: "pencil"
+                            tip: bar.followUpLabel
+                            onClicked: bar.model.refine()
+                        }
+                    }
+                }
             }
         }
     }
 
-    Prediction {
-        id: prediction
-        model: bar.model
-        theme: theme
-        anchorWindow: bar
+    // Made when they are first wanted: the bar itself is to be there at once.
+    function makePopover(loader, file, properties) {
+        properties.theme = theme
+        properties.hasCompositor = Qt.binding(() => bar.frame.hasCompositor)
+        properties.screenArea = Qt.binding(() => bar.screenArea)
+        properties.contentWidth = properties.contentWidth
+                                  || Qt.binding(() => Math.min(600, Math.max(440, bar.barWidth), bar.screenArea.width - 8))
+        properties.transientParent = bar
+        loader.setSource(file, properties)
+        loader.active = true
+        if (loader !== history)
+            bar.model.keepKeyboardFrom(loader.item)
+        loader.item.visible = Qt.binding(() => loader.isWanted && bar.visible)
     }
-
-    FullOutput {
+    function makeWanted() {
+        if (prediction.isWanted && !prediction.active)
+            makePopover(prediction, "Prediction.qml", {
+                model: bar.model,
+                followUpLabel: Qt.binding(() => bar.followUpLabel),
+                above: Qt.binding(() => Qt.rect(bar.x, bar.y, bar.width, ground.height))
+            })
+        if (output.isWanted && !output.active) {
+            makePopover(output, "FullOutput.qml", {
+                text: Qt.binding(() => output.isWanted ? bar.model.fullOutput : ""),
+                above: Qt.binding(() => Qt.rect(bar.x, bar.y, bar.width, ground.height))
+            })
+            output.item.dismissed.connect(() => bar.fullCommandOutputShowing = false)
+            output.item.escaped.connect(() => {
+                bar.fullCommandOutputShowing = false
+                bar.focusResult()
+            })
+        }
+        if (history.isWanted && !history.active)
+            makePopover(history, "History.qml", {
+                model: bar.model,
+                contentWidth: 360,
+                above: Qt.binding(() => (bar.width, bar.promptState, bar.standOf(clock)))
+            })
+    }
+    Loader {
+        id: prediction
+        readonly property bool isWanted: bar.model.isPredictionShown && bar.hasPrediction
+        active: false
+        onIsWantedChanged: Qt.callLater(bar.makeWanted)
+    }
+    Loader {
         id: output
-        theme: theme
-        text: bar.model.fullOutput
-        anchorWindow: bar
-        visible: false
+        readonly property bool isWanted: bar.fullCommandOutputShowing && bar.hasOutput
+        active: false
+        onIsWantedChanged: Qt.callLater(bar.makeWanted)
+    }
+    Loader {
+        id: history
+        readonly property bool isWanted: bar.model.isHistoryShown
+        active: false
+        onIsWantedChanged: {
+            Qt.callLater(bar.makeWanted)
+            if (!isWanted && active)
+                bar.focusResult()
+        }
     }
 }

@@ -1,49 +1,73 @@
 import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
 import QtQuick.Window
 
 // All that the run printed.
-Window {
+Popover {
     id: popover
 
-    required property var theme
-    required property var anchorWindow
-    property alias text: area.text
+    property string text: ""
 
-    width: Math.min(640, anchorWindow.width)
-    height: Math.max(100, Math.min(500, area.implicitHeight + 80))
-    x: anchorWindow.x + (anchorWindow.width - width) / 2
-    y: anchorWindow.y - height - 4
-    flags: Qt.FramelessWindowHint | Qt.Tool
-    color: "transparent"
+    signal escaped()
 
-    Rectangle {
+    objectName: "fullOutput"
+    title: "Full command output"
+    contentHeight: Math.min(Math.max(100, Math.min(500, area.implicitHeight)) + heading.height + 40,
+                            Math.floor(screenArea.height / 2))
+
+    FocusScope {
         anchors.fill: parent
-        radius: 14
-        color: popover.theme.surface
-        border.color: popover.theme.line
-        ColumnLayout {
-            anchors.fill: parent
-            anchors.margins: 14
-            Label {
-                text: "Full command output"
-                font.bold: true
-                color: popover.theme.primary
-            }
-            ScrollView {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                TextArea {
+        focus: true
+        Keys.onEscapePressed: popover.escaped()
+
+        Text {
+            id: heading
+            x: 16
+            y: 16
+            width: parent.width - 32
+            text: "Full command output"
+            elide: Text.ElideRight
+            font.pixelSize: popover.theme.body
+            font.weight: Font.DemiBold
+            color: popover.theme.primary
+        }
+        Rectangle {
+            x: 16
+            anchors.top: heading.bottom
+            anchors.topMargin: 8
+            width: parent.width - 32
+            height: parent.height - y - 16
+            radius: popover.theme.radius
+            color: popover.theme.field
+            border.color: popover.theme.line
+            Flickable {
+                id: scroll
+                anchors.fill: parent
+                anchors.margins: 1
+                contentWidth: width
+                contentHeight: area.implicitHeight
+                clip: true
+                boundsBehavior: Flickable.StopAtBounds
+                TextEdit {
                     id: area
+                    objectName: "outputText"
+                    width: scroll.width
+                    padding: 8
+                    focus: true
+                    text: popover.text
+                    textFormat: TextEdit.PlainText
+                    wrapMode: TextEdit.WrapAnywhere
                     readOnly: true
                     selectByMouse: true
-                    textFormat: TextEdit.PlainText
-                    font.family: "monospace"
+                    font.family: popover.theme.monospace
+                    font.pixelSize: popover.theme.body
                     color: popover.theme.primary
-                    background: null
-                    Keys.onEscapePressed: popover.visible = false
+                    selectionColor: popover.theme.accent
+                    selectedTextColor: popover.theme.accentText
                 }
+            }
+            ScrollThumb {
+                flickable: scroll
+                theme: popover.theme
             }
         }
     }

@@ -1,153 +1,265 @@
 import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
 import QtQuick.Window
 
-// What a command would do, above the bar: a window of its own, since the bar has no room for it.
-Window {
+// What a command would do, above the bar; the command itself can be edited here.
+Popover {
     id: popover
 
     required property var model
-    required property var theme
-    required property var anchorWindow
+    property string followUpLabel: "Refine request..."
+    readonly property bool isAsking: model.promptState === "awaitingConfirmation"
+    readonly property real tallest: Math.max(Math.floor(screenArea.height / 2), Math.min(360, screenArea.height - 16))
+    readonly property var rows: model.rows
+    // So many at first, more on request: a line can have thousands of side effects.
+    property int mostRows: 100
 
-    readonly property var signs: ({"apple.terminal": "❯", "applescript": "§", "arrow.down.circle.fill": "↓",
-        "arrow.right": "→", "character.cursor.ibeam": "⌶", "checkmark": "✓", "clock": "◷", "delete.left": "⌫",
-        "exclamationmark": "!", "eye": "◉", "gearshape": "⚙", "list.clipboard": "▤", "network": "⇅", "pencil": "✎",
-        "play": "▸", "plus": "+", "power": "⏻", "printer": "⎙", "shippingbox": "▣", "trash": "♲", "xmark.octagon": "⊗"})
+    objectName: "prediction"
+    title: "Brindlet prediction"
+    contentHeight: Math.min(tallest, head.height + scroll.contentHeight + foot.height + 4 * 16)
+    onDismissed: model.showPrediction(false)
+    onRowsChanged: mostRows = 100
 
-    width: Math.min(560, anchorWindow.width)
-    height: Math.min(content.implicitHeight + 32, Screen.height / 2)
-    x: anchorWindow.x + (anchorWindow.width - width) / 2
-    y: anchorWindow.y - height - 4
-    flags: Qt.FramelessWindowHint | Qt.Tool
-    color: "transparent"
-    visible: model.isPredictionShown && ["awaitingConfirmation", "complete", "presentingError"].includes(model.promptState)
-
+    function showCommand() {
+        if (command.text === model.command)
+            return
+        const at = command.cursorPosition
+        command.text = model.command
+        command.cursorPosition = Math.min(at, command.length)
+    }
+    Component.onCompleted: showCommand()
     Connections {
         target: popover.model
-        function onChanged() {
-            if (command.text !== popover.model.command)
-                command.text = popover.model.command
-        }
+        function onCommandChanged() { popover.showCommand() }
     }
 
-    Rectangle {
+    FontMetrics {
+        id: plain
+        font.pixelSize: popover.theme.body
+    }
+    FontMetrics {
+        id: bold
+        font.pixelSize: popover.theme.body
+        font.bold: true
+    }
+    // The columns of the rows that move something line up.
+    readonly property var columns: {
+        let verb = 0, source = 0
+        for (const row of rows) {
+            if (row.source === undefined)
+                continue
+            verb = Math.max(verb, bold.advanceWidth(row.verb))
+            const place = row.source.from === "folder" ? 0 : 14 + 2 + plain.advanceWidth("/")
+            source = Math.max(source, place + (row.source.from === "trash" ? bold : plain).advanceWidth(row.source.rest) + 3)
+        }
+        const room = list.width - 24 - verb - 60
+        return {verb: Math.ceil(verb), source: Math.ceil(Math.min(source, room / 2))}
+    }
+
+    Item {
         anchors.fill: parent
-        radius: 14
-        color: popover.theme.surface
-        border.color: popover.theme.line
+        focus: true
+        Keys.onPressed: event => {
+            if (event.key === Qt.Key_R && event.modifiers === Qt.ControlModifier)
+                popover.model.refine()
+            else if (event.key === Qt.Key_Escape)
+                popover.model.escape()
+            else if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !event.isAutoRepeat)
+                popover.model.confirm()
+            else
+                return
+            event.accepted = true
+        }
 
-        ColumnLayout {
-            id: content
-            anchors.fill: parent
-            anchors.margins: 16
-            spacing: 10
+        Column {
+            id: head
+            x: 16
+            y: 16
+            width: parent.width - 32
+            spacing: 8
 
-            Label {
+            Text {
+                objectName: "request"
+                width: parent.width
                 text: popover.model.request
                 textFormat: Text.PlainText
-                font.pixelSize: 16
-                font.bold: true
-                color: popover.theme.primary
-                wrapMode: Text.Wrap
-                Layout.fillWidth: true
-            }
-            Label {
-                text: popover.model.runsText
-                color: popover.theme.secondary
-            }
-            TextField {
-                id: command
-                objectName: "command"
-                Layout.fillWidth: true
-                font.family: "monospace"
-                color: popover.theme.primary
-                background: Rectangle {
-                    radius: 8
-                    color: popover.theme.panel
-                    border.color: command.activeFocus ? popover.theme.accent : popover.theme.line
-                }
-                onTextEdited: popover.model.editCommand(text)
-                onAccepted: popover.model.confirm()
-                Keys.onEscapePressed: popover.model.escape()
-                Keys.onPressed: event => {
-                    if (event.key === Qt.Key_R && (event.modifiers & Qt.ControlModifier)) {
-                        popover.model.refine()
-                        event.accepted = true
-                    }
-                }
-            }
-            Label {
-                text: "Brindlet predicts:"
+                wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+                maximumLineCount: 3
+                elide: Text.ElideRight
+                font.pixelSize: popover.theme.title
                 font.weight: Font.DemiBold
                 color: popover.theme.primary
             }
+            Text {
+                objectName: "runs"
+                width: parent.width
+                text: popover.model.runsText
+                textFormat: Text.StyledText
+                elide: Text.ElideRight
+                font.pixelSize: popover.theme.body
+                color: popover.theme.secondary
+            }
             Rectangle {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                implicitHeight: Math.min(list.contentHeight + 20, 320)
-                radius: 10
-                color: popover.theme.panel
-                border.color: popover.theme.line
-                ListView {
-                    id: list
+                width: parent.width
+                height: Math.min(command.implicitHeight, 5 * commandMetrics.lineSpacing + 16)
+                radius: popover.theme.radius
+                color: popover.theme.field
+                border.width: command.activeFocus ? 2 : 1
+                border.color: command.activeFocus ? popover.theme.accent : popover.theme.line
+                FontMetrics {
+                    id: commandMetrics
+                    font: command.font
+                }
+                Flickable {
+                    id: commandView
                     anchors.fill: parent
-                    anchors.margins: 10
+                    anchors.margins: 2
+                    contentHeight: command.implicitHeight - 4
                     clip: true
-                    spacing: 6
-                    model: popover.model.rows
-                    ScrollBar.vertical: ScrollBar {}
-                    delegate: RowLayout {
-                        required property var modelData
-                        width: ListView.view.width
+                    boundsBehavior: Flickable.StopAtBounds
+                    function follow(rectangle) {
+                        if (rectangle.y < contentY)
+                            contentY = Math.max(0, rectangle.y - 6)
+                        else if (rectangle.y + rectangle.height > contentY + height)
+                            contentY = rectangle.y + rectangle.height - height + 6
+                    }
+                    TextEdit {
+                        id: command
+                        objectName: "command"
+                        width: commandView.width
+                        padding: 8
+                        topPadding: 6
+                        leftPadding: 8
+                        textFormat: TextEdit.PlainText
+                        wrapMode: TextEdit.WrapAnywhere
+                        readOnly: !popover.isAsking
+                        selectByMouse: true
+                        font.family: popover.theme.monospace
+                        font.pixelSize: popover.theme.body
+                        color: popover.theme.primary
+                        selectionColor: popover.theme.accent
+                        selectedTextColor: popover.theme.accentText
+                        Accessible.name: "Command"
+                        onTextChanged: popover.model.editCommand(text)
+                        onCursorRectangleChanged: commandView.follow(cursorRectangle)
+                        Keys.priority: Keys.BeforeItem
+                        Keys.onReturnPressed: event => { if (!event.isAutoRepeat) popover.model.confirm() }
+                        Keys.onEnterPressed: event => { if (!event.isAutoRepeat) popover.model.confirm() }
+                        Keys.onTabPressed: confirm.visible ? confirm.forceActiveFocus() : followUp.forceActiveFocus()
+                    }
+                }
+            }
+        }
+
+        Flickable {
+            id: scroll
+            objectName: "predictionScroll"
+            anchors.top: head.bottom
+            anchors.topMargin: 16
+            x: 16
+            width: parent.width - 32
+            height: Math.max(0, foot.y - 16 - y)
+            contentHeight: all.height
+            clip: true
+            boundsBehavior: Flickable.StopAtBounds
+
+            Column {
+                id: all
+                width: parent.width
+                spacing: 8
+
+                Requirement {
+                    objectName: "requirement"
+                    visible: popover.model.requirement.name !== undefined
+                    width: parent.width
+                    bottomPadding: 8
+                    theme: popover.theme
+                    requirement: popover.model.requirement
+                    onPackagesFolderWanted: popover.model.showPackagesFolder()
+                }
+                Text {
+                    text: "Brindlet predicts:"
+                    font.pixelSize: popover.theme.body
+                    font.weight: Font.DemiBold
+                    color: popover.theme.primary
+                }
+                Rectangle {
+                    width: parent.width
+                    height: list.height + 24
+                    radius: popover.theme.radius
+                    color: popover.theme.panel
+                    border.color: popover.theme.line
+                    Column {
+                        id: list
+                        x: 12
+                        y: 12
+                        width: parent.width - 24
                         spacing: 8
-                        Label {
-                            text: modelData.icon === "" ? "" : (popover.signs[modelData.icon] || "•")
-                            visible: modelData.icon !== ""
-                            color: popover.theme.named(modelData.color)
-                            font.pixelSize: 15
-                            Layout.preferredWidth: 18
-                            Layout.alignment: Qt.AlignTop
+                        Repeater {
+                            model: popover.rows.slice(0, popover.mostRows)
+                            PredictionLine {
+                                required property var modelData
+                                objectName: "row"
+                                width: list.width
+                                theme: popover.theme
+                                row: modelData
+                                verbWidth: popover.columns.verb
+                                sourceWidth: popover.columns.source
+                            }
                         }
-                        ColumnLayout {
-                            Layout.fillWidth: true
-                            spacing: 1
-                            Label {
-                                text: modelData.text
-                                textFormat: Text.PlainText
-                                color: popover.theme.primary
-                                wrapMode: Text.Wrap
-                                Layout.fillWidth: true
-                            }
-                            Label {
-                                visible: text !== ""
-                                text: modelData.subtitle
-                                textFormat: Text.PlainText
-                                color: popover.theme.secondary
-                                font.pixelSize: 12
-                                wrapMode: Text.Wrap
-                                Layout.fillWidth: true
-                            }
+                        PlainButton {
+                            visible: popover.rows.length > popover.mostRows
+                            theme: popover.theme
+                            isQuiet: true
+                            text: `Show ${popover.rows.length - popover.mostRows} more`
+                            onClicked: popover.mostRows += 400
                         }
                     }
                 }
             }
-            RowLayout {
-                Layout.fillWidth: true
-                Button {
-                    text: "Refine request..."
-                    flat: true
-                    onClicked: popover.model.refine()
-                }
-                Item { Layout.fillWidth: true }
-                Button {
-                    visible: popover.model.promptState === "awaitingConfirmation"
-                    enabled: popover.model.canConfirm
-                    text: popover.model.confirmTitle
-                    highlighted: true
-                    onClicked: popover.model.confirm()
-                }
+        }
+        // Where the rows go on.
+        Repeater {
+            model: [{isShown: !scroll.atYBeginning, y: scroll.y - 1}, {isShown: !scroll.atYEnd, y: scroll.y + scroll.height}]
+            Rectangle {
+                required property var modelData
+                visible: modelData.isShown
+                y: modelData.y
+                width: popover.contentWidth
+                height: 1
+                color: popover.theme.line
+            }
+        }
+        ScrollThumb {
+            flickable: scroll
+            theme: popover.theme
+            anchors.rightMargin: -8
+        }
+
+        Item {
+            id: foot
+            x: 16
+            y: parent.height - height - 16
+            width: parent.width - 32
+            height: 28
+            PlainButton {
+                id: followUp
+                objectName: "followUp"
+                visible: ["awaitingConfirmation", "complete", "presentingError"].includes(popover.model.promptState)
+                theme: popover.theme
+                text: popover.followUpLabel
+                width: Math.min(implicitWidth, confirm.visible ? parent.width - confirm.width - 8 : parent.width)
+                onClicked: popover.model.refine()
+            }
+            PlainButton {
+                id: confirm
+                objectName: "confirm"
+                anchors.right: parent.right
+                visible: popover.isAsking
+                enabled: popover.model.canConfirm
+                theme: popover.theme
+                isProminent: true
+                text: popover.model.confirmTitle
+                onClicked: popover.model.confirm()
             }
         }
     }

@@ -1,17 +1,46 @@
 import QtQuick
 
-// The colours of the desktop's palette, light or dark.
+// The colours and sizes of all windows, light or dark as the desktop's palette is. Distances are multiples of 4.
 QtObject {
     readonly property SystemPalette palette: SystemPalette {}
     readonly property bool isDark: palette.window.hslLightness < 0.5
-    readonly property color surface: isDark ? "#2b2b2e" : "#f6f6f7"
-    readonly property color panel: isDark ? "#1f1f22" : "#ffffff"
-    readonly property color line: isDark ? "#48484c" : "#d4d4d8"
-    readonly property color primary: isDark ? "#f2f2f4" : "#1c1c1e"
-    readonly property color secondary: isDark ? "#a0a0a8" : "#6c6c74"
-    readonly property color accent: "#2f7cf6"
+
+    // Grounds, from the back to the front.
+    readonly property color surface: isDark ? "#2a2a2d" : "#f5f5f7"
+    readonly property color panel: isDark ? "#343438" : "#ffffff"
+    readonly property color field: isDark ? "#1d1d20" : "#ffffff"
+    readonly property color line: isDark ? "#47474d" : "#d9d9de"
+    readonly property color hover: isDark ? "#16ffffff" : "#0e000000"
+    readonly property color press: isDark ? "#26ffffff" : "#1c000000"
+    readonly property color shadow: "black"
+
+    readonly property color primary: isDark ? "#f4f4f6" : "#1d1d1f"
+    readonly property color secondary: isDark ? "#a5a5ad" : "#65656d"
+    readonly property color tertiary: isDark ? "#7c7c85" : "#92929a"
+    readonly property color accent: isDark ? "#3079ee" : "#1a6fe8"
+    readonly property color accentText: "#ffffff"
+    readonly property color link: isDark ? "#6aa9ff" : "#1563d2"
+
+    // Pixels: one scale for all texts.
+    readonly property int small: 11
+    readonly property int body: 13
+    readonly property int large: 14
+    readonly property int title: 16
+    readonly property string monospace: "monospace"
+
+    readonly property int radius: 8
+    readonly property int popoverRadius: 12
+    readonly property int barRadius: 22
+
+    readonly property var colors: isDark
+        ? ({red: "#ff6961", green: "#3ecf7a", blue: "#5aa2ff", orange: "#f29a2e", yellow: "#e8c02e", medium: "#da7d00"})
+        : ({red: "#d4282d", green: "#1e8e4e", blue: "#1a6fe8", orange: "#c76a00", yellow: "#a87b00", medium: "#da7d00"})
+
+    // "red", "green", "blue", "orange", "yellow", "medium"; else the ordinary colour.
     function named(name) {
-        const colors = {red: "#e5484d", green: "#30a46c", blue: "#2f7cf6", orange: "#da7d00", yellow: "#c99700"}
         return colors[name] || primary
+    }
+    function faded(color, alpha) {
+        return Qt.rgba(color.r, color.g, color.b, alpha)
     }
 }
