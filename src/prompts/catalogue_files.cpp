@@ -227,7 +227,7 @@ CategoryRows fileCategories() {
                    "gps location", "location", "copyright", "keywords", "comments", "download source", "created date"}},
                  {"verb",
                   {"get", "show", "show me", "display", "list", "view", "read", "print", "check", "tell me the",
-                   "what's the"}},
+                   "what's the", "tell me about the", "what can you tell me about"}},
                  {"of", {"of", "for", "about", "from", "on"}},
                  {"this", words::pointingWords()},
                  {"item", words::itemWords()},

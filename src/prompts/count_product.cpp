@@ -11,53 +11,69 @@ namespace brindlet {
 
 namespace {
 
-// Bytes times counts up to here, summed over a row, stay below 2^31.
-constexpr std::uint32_t largestNarrow = 32'767;
+constexpr std::size_t bytesAtOnce = 32;
+constexpr std::size_t steps = CountProduct::length / bytesAtOnce;
+constexpr std::size_t rowsAtOnce = 8;
 
 #if defined(__x86_64__)
-// Sixteen buckets at a time; the query stays in registers over all rows.
-[[gnu::target("avx2")]] void productsByAvx2(const std::int16_t* query, const std::uint8_t* rows, std::size_t rowCount,
-                                            std::int64_t* products) {
-    constexpr std::size_t lanes = 16;
-    __m256i counts[CountProduct::length / lanes];
-    for (std::size_t at = 0; at < std::size(counts); ++at)
-        counts[at] = _mm256_load_si256(reinterpret_cast<const __m256i*>(query + at * lanes));
-    for (std::size_t row = 0; row < rowCount; ++row, rows += CountProduct::length) {
-        __m256i sum = _mm256_setzero_si256();
-        for (std::size_t at = 0; at < std::size(counts); ++at) {
-            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows + at * lanes));
-            sum = _mm256_add_epi32(sum, _mm256_madd_epi16(_mm256_cvtepu8_epi16(bytes), counts[at]));
-        }
-        __m128i half = _mm_add_epi32(_mm256_castsi256_si128(sum), _mm256_extracti128_si256(sum, 1));
-        half = _mm_add_epi32(half, _mm_shuffle_epi32(half, 0x4E));
-        half = _mm_add_epi32(half, _mm_shuffle_epi32(half, 0xB1));
-        products[row] = _mm_cvtsi128_si32(half);
+// Pairs of products are added in 16 bits, and so are those of all steps; eight sums of 32 bits are left for a row.
+[[gnu::target("avx2")]] inline __m256i sumsOfRow(const __m256i* counts, const std::uint8_t* row) {
+    __m256i pairs = _mm256_setzero_si256();
+    for (std::size_t at = 0; at < steps; ++at) {
+        const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + at * bytesAtOnce));
+        pairs = _mm256_add_epi16(pairs, _mm256_maddubs_epi16(bytes, counts[at]));
     }
+    return _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
+}
+
+// Eight rows at a time; the query stays in registers over all of them. Returns how many rows are done.
+[[gnu::target("avx2")]] std::size_t productsByAvx2(const std::int8_t* query, const std::uint8_t* rows,
+                                                   std::size_t rowCount, float* products) {
+    __m256i counts[steps];
+    for (std::size_t at = 0; at < steps; ++at)
+        counts[at] = _mm256_load_si256(reinterpret_cast<const __m256i*>(query + at * bytesAtOnce));
+    std::size_t done = 0;
+    for (; done + rowsAtOnce <= rowCount; done += rowsAtOnce) {
+        __m256i quarters[2];  // of four rows each, the two halves of their sums apart
+        for (std::size_t half = 0; half < 2; ++half) {
+            const std::uint8_t* row = rows + (done + half * 4) * CountProduct::length;
+            const __m256i first =
+                _mm256_hadd_epi32(sumsOfRow(counts, row), sumsOfRow(counts, row + CountProduct::length));
+            const __m256i second = _mm256_hadd_epi32(sumsOfRow(counts, row + 2 * CountProduct::length),
+                                                     sumsOfRow(counts, row + 3 * CountProduct::length));
+            quarters[half] = _mm256_hadd_epi32(first, second);
+        }
+        const __m256i sums = _mm256_add_epi32(_mm256_permute2x128_si256(quarters[0], quarters[1], 0x20),
+                                              _mm256_permute2x128_si256(quarters[0], quarters[1], 0x31));
+        _mm256_storeu_ps(products + done, _mm256_cvtepi32_ps(sums));
+    }
+    return done;
 }
 #endif
 
 }  // namespace
 
-CountProduct::CountProduct(const std::array<std::uint32_t, length>& counts) : wide_(counts) {
-    std::uint64_t sum = 0;
-    for (std::size_t at = 0; at < length; ++at) {
-        sum += counts[at];
-        isNarrow_ &= counts[at] <= largestNarrow;
-        if (isNarrow_) narrow_[at] = static_cast<std::int16_t>(counts[at]);
-    }
-    constexpr auto largestRowCount = std::numeric_limits<std::uint8_t>::max();
-    isNarrow_ &= sum * largestRowCount <= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
+CountProduct::CountProduct(const std::array<std::uint32_t, length>& counts, std::uint8_t largestInRows)
+    : counts_(counts) {
+    const std::uint32_t largest = *std::max_element(counts.begin(), counts.end());
+    constexpr std::uint64_t inOneLane = 2 * steps;
+    isSmall_ = largest <= std::numeric_limits<std::int8_t>::max() &&
+               inOneLane * largest * largestInRows <= std::numeric_limits<std::int16_t>::max();
+    if (isSmall_)
+        std::transform(counts.begin(), counts.end(), small_.begin(),
+                       [](std::uint32_t count) { return static_cast<std::int8_t>(count); });
 }
 
-void CountProduct::ofRows(const std::uint8_t* rows, std::size_t rowCount, std::int64_t* products) const {
+void CountProduct::ofRows(const std::uint8_t* rows, std::size_t rowCount, float* products) const {
+    std::size_t row = 0;
 #if defined(__x86_64__)
     static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    if (isNarrow_ && hasAvx2) return productsByAvx2(narrow_.data(), rows, rowCount, products);
+    if (isSmall_ && hasAvx2) row = productsByAvx2(small_.data(), rows, rowCount, products);
 #endif
-    for (std::size_t row = 0; row < rowCount; ++row, rows += length) {
-        std::int64_t sum = 0;
-        for (std::size_t at = 0; at < length; ++at) sum += std::int64_t{wide_[at]} * rows[at];
-        products[row] = sum;
+    for (; row < rowCount; ++row) {
+        std::uint64_t sum = 0;
+        for (std::size_t at = 0; at < length; ++at) sum += std::uint64_t{counts_[at]} * rows[row * length + at];
+        products[row] = static_cast<float>(sum);
     }
 }
 

@@ -11,15 +11,17 @@ class CountProduct {
   public:
     static constexpr std::size_t length = 128;
 
-    explicit CountProduct(const std::array<std::uint32_t, length>& counts);
+    // `largestInRows`: no byte of the rows is more.
+    CountProduct(const std::array<std::uint32_t, length>& counts, std::uint8_t largestInRows);
 
-    // The products with `rowCount` rows of `length` bytes each, which follow each other.
-    void ofRows(const std::uint8_t* rows, std::size_t rowCount, std::int64_t* products) const;
+    // The products with `rowCount` rows of `length` bytes each, which follow each other: the whole numbers, rounded
+    // once.
+    void ofRows(const std::uint8_t* rows, std::size_t rowCount, float* products) const;
 
   private:
-    std::array<std::uint32_t, length> wide_;
-    alignas(32) std::array<std::int16_t, length> narrow_{};
-    bool isNarrow_ = true;  // all counts fit, and so do all sums of products in 32 bits
+    std::array<std::uint32_t, length> counts_;
+    alignas(32) std::array<std::int8_t, length> small_{};
+    bool isSmall_;  // the counts fit, and so does what is added up in 16 bits
 };
 
 }  // namespace brindlet

@@ -35,6 +35,8 @@ class PromptIndex {
 
     static std::vector<float> vectorize(std::string_view text);
 
+    // Room for that many texts at once.
+    void reserve(std::size_t count);
     void add(std::string_view id, std::string_view text);
     std::size_t size() const { return items_.size(); }
     IndexItem item(std::size_t at) const;
@@ -61,6 +63,7 @@ class PromptIndex {
     std::map<std::string, std::uint32_t, std::less<>> places_;
     std::vector<Item> items_;
     std::vector<Counts> counts_;
+    std::uint8_t largestCount_ = 0;
     std::vector<float> inverseLengths_;
     // Texts with more pieces in a bucket than a byte counts, by their place.
     std::map<std::size_t, std::vector<float>> longTexts_;

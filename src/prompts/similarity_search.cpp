@@ -49,6 +49,7 @@ std::string PromptSimilaritySearch::buildIndex() {
     const auto start = std::chrono::steady_clock::now();
     const auto& all = categories();
     const std::size_t budget = all.empty() ? 0 : totalExampleBudget / all.size();
+    index_.reserve(totalExampleBudget);
     for (const PromptSimilarityCategory& category : all)
         for (const std::string& text : PromptGenerator::generatePrompts(category.prompts, category.variants, budget))
             index_.add(category.id, text);

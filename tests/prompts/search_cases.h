@@ -187,6 +187,7 @@ inline constexpr SearchCase searchCases[] = {
     {"metadata", "letter.dat", "fileMetadata", true},
     {"when was this made", "letter.dat", "fileMetadata", true},
     {"who is the author of this", "letter.dat", "fileMetadata"},
+    {"what can you tell me about this file?", "letter.dat", "fileMetadata"},
     {"hide these", "a.txt b.txt", "hideFilesInFinder", true},
     {"make this file invisible", "a.txt", "hideFilesInFinder", true},
     {"clean up this folder", "", "organize", true},

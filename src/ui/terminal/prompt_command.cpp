@@ -20,6 +20,7 @@ class PromptSubcommand final : public Subcommand {
     }
 
     int run(CommandLineContext& context, StandardOutput& output) override {
+        context.startLogging();
         const std::string request = words_.text();
         const std::vector<FilePath> files = words_.namedFiles(context);
         const AIModel model = modelOf(model_, context);
