@@ -17,6 +17,8 @@ using namespace std::chrono_literals;
 constexpr auto settlingTime = 1000ms;
 // For what changes without the user: files that go, and selections that programs make.
 constexpr auto restingInterval = 3000ms;
+// Of all that companions tell of; a file manager that dies takes nothing back.
+constexpr std::size_t mostWindows = 256;
 
 // Of a link that leads nowhere: it is there, though nothing can be seen through it.
 bool isListed(FileSystem& files, const FilePath& item) {
@@ -35,7 +37,12 @@ FileManagerSource::FileManagerSource(FileSystem& files, FileManagerQuestions que
 
 Result<std::optional<FinderSelection>> FileManagerSource::fetch() {
     const auto front = questions_.front();
-    if (auto selection = told(front)) return selection;
+    if (auto selection = told(front)) {
+        // Other programs say so: what is no folder is as good as nothing.
+        if (files_.look(FilePath(selection->activeFolderPath)) != ItemKind::folder)
+            return std::optional<FinderSelection>();
+        return selection;
+    }
     if (!front || !isDue(*front, questions_.now())) return std::optional<FinderSelection>();
     return readWindow(*front);
 }
@@ -109,6 +116,7 @@ void FileManagerSource::handOver(FinderSelection selection) {
 
 void FileManagerSource::takeFromCompanion(WindowId window, std::optional<FinderSelection> selection) {
     const std::lock_guard lock(guard_);
+    if (fromCompanions_.size() >= mostWindows) fromCompanions_.clear();  // those that are there tell again
     if (selection)
         fromCompanions_.insert_or_assign(window, std::move(*selection));
     else

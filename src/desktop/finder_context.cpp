@@ -36,6 +36,8 @@ struct FinderContext::State : std::enable_shared_from_this<FinderContext::State>
     void fetch(std::size_t task) {
         workers.start([self = shared_from_this(), task] {
             auto found = self->source();
+            // Here, as the disk may be slow, or a server that has gone.
+            if (found && *found) found = std::optional(self->withFolderSlashes(std::move(**found)));
             self->loop.post([self, task, found = std::move(found)] {
                 if (self->isGone) return;
                 self->take(found);
@@ -50,10 +52,13 @@ struct FinderContext::State : std::enable_shared_from_this<FinderContext::State>
 
     void take(const Result<std::optional<FinderSelection>>& found) {
         if (!found) return logError(found.failure().description);
-        if (!*found) return;
-        std::vector<std::string> newItems;
-        for (const std::string& item : (*found)->items) newItems.push_back(withFolderSlash(files, item));
-        publish(std::move(newItems), withFolderSlash(files, (*found)->activeFolderPath));
+        if (*found) publish((*found)->items, (*found)->activeFolderPath);
+    }
+
+    FinderSelection withFolderSlashes(FinderSelection selection) const {
+        for (std::string& item : selection.items) item = withFolderSlash(files, std::move(item));
+        selection.activeFolderPath = withFolderSlash(files, std::move(selection.activeFolderPath));
+        return selection;
     }
 
     void publish(std::vector<std::string> newItems, std::optional<std::string> newFolder) {
@@ -87,7 +92,7 @@ void FinderContext::fetch() {
 }
 
 void FinderContext::take(const FinderSelection& selection) {
-    state_->take(std::optional(selection));
+    state_->take(std::optional(state_->withFolderSlashes(selection)));
 }
 
 const std::vector<std::string>& FinderContext::items() const {

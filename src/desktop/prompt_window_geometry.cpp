@@ -34,6 +34,10 @@ const Screen& screenBelow(const Rectangle& finder, const std::vector<Screen>& sc
     return *best;
 }
 
+Rectangle moved(const Rectangle& rectangle, double right, double down) {
+    return {rectangle.x + right, rectangle.y + down, rectangle.width, rectangle.height};
+}
+
 // Of the curve from (0, 0) to (1, 1) with the control points (0.42, 0) and (1, 1), the y at `x`.
 double easedIn(double x) {
     double low = 0;
@@ -72,14 +76,15 @@ std::optional<Rectangle> promptWindowFrame(const Rectangle& finderBounds, const 
 }
 
 std::optional<Rectangle> promptWindowFrameFromTop(const Rectangle& finderBounds, const std::vector<Screen>& screens) {
-    const Screen* main = mainScreenOf(screens);
-    if (main == nullptr) return std::nullopt;
-    const double height = main->frame.height;
+    if (screens.empty()) return std::nullopt;
+    // Of screens that stand at different heights none need lie at (0, 0) here: then the first is the main one.
+    const Screen* atOrigin = mainScreenOf(screens);
+    const Rectangle main = atOrigin != nullptr ? atOrigin->frame : screens.front().frame;
+    const auto turned = [&](const Rectangle& each) { return flipped(moved(each, -main.x, -main.y), main.height); };
     std::vector<Screen> fromBottom;
-    for (const Screen& screen : screens)
-        fromBottom.push_back({flipped(screen.frame, height), flipped(screen.visibleFrame, height)});
-    const auto frame = promptWindowFrame(finderBounds, fromBottom);
-    return frame ? std::optional(flipped(*frame, height)) : std::nullopt;
+    for (const Screen& screen : screens) fromBottom.push_back({turned(screen.frame), turned(screen.visibleFrame)});
+    const auto frame = promptWindowFrame(moved(finderBounds, -main.x, -main.y), fromBottom);
+    return frame ? std::optional(moved(flipped(*frame, main.height), main.x, main.y)) : std::nullopt;
 }
 
 Fold foldOf(bool isFlippedOpen) {

@@ -29,7 +29,8 @@ struct Screen {
 // the result have theirs at its bottom left, and y growing up. None without such a screen.
 std::optional<Rectangle> promptWindowFrame(const Rectangle& finderBounds, const std::vector<Screen>& screens);
 
-// The same with everything from the top left of the main screen, as X11 has it.
+// The same with everything from the top left, as X11 has it, where the first screen is the main one if none lies at
+// (0, 0). None without a screen.
 std::optional<Rectangle> promptWindowFrameFromTop(const Rectangle& finderBounds, const std::vector<Screen>& screens);
 
 // A rectangle of the one kind in the coordinates of the other.

@@ -22,7 +22,7 @@ class FileManagerSourceTest : public testing::Test {
         return (*found)->activeFolderPath + ": " + joined((*found)->items, " ");
     }
 
-    FakeDisk disk{"a.txt", "b", "sub/"};
+    FakeDisk disk{"a.txt", "b", "sub/", "/v/x"};
     std::chrono::steady_clock::time_point clock{1h};
     std::optional<FolderWindowDetails> front{{.id = 1, .identifier = "org.xfce.Thunar", .title = "w - Thunar"}};
     std::optional<FolderContent> content{{.folder = "/w", .selectedNames = Names{"a.txt"}}};
@@ -85,6 +85,8 @@ TEST_F(FileManagerSourceTest, WhatIsHandedOverStandsForAWhile) {
     EXPECT_EQ(fetched(), "/w: /w/a.txt");
     source.takeFromCompanion(1, FinderSelection{{"/w/b"}, "/w"});
     EXPECT_EQ(fetched(), "/w: /w/b");
+    source.takeFromCompanion(1, FinderSelection{{"/gone/b"}, "/gone"});
+    EXPECT_EQ(fetched(), "-");
     front->id = 2;
     EXPECT_EQ(fetched(), "/w: /w/a.txt");
 }

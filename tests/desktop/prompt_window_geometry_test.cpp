@@ -47,9 +47,17 @@ TEST(PromptWindowGeometry, StandsBelowTheWindowOnItsScreen) {
         std::vector<Screen> fromTop;
         for (const Screen& screen : screens)
             fromTop.push_back({flipped(screen.frame, 900), flipped(screen.visibleFrame, 900)});
-        const auto there = promptWindowFrameFromTop(finder, screens.size() > 1 || frame ? fromTop : screens);
-        EXPECT_EQ(there, frame ? std::optional(flipped(*frame, 900)) : std::nullopt);
+        if (frame) {
+            EXPECT_EQ(promptWindowFrameFromTop(finder, fromTop), flipped(*frame, 900));
+        }
     }
+    EXPECT_EQ(promptWindowFrameFromTop({100, 50, 800, 500}, {}), std::nullopt);
+    // Bottoms in line: neither of the two lies at (0, 0).
+    const std::vector<Screen> uneven = {{{0, 300, 800, 600}, {0, 300, 800, 560}},
+                                        {{800, 0, 1280, 900}, {800, 0, 1280, 900}}};
+    EXPECT_EQ(promptWindowFrameFromTop({100, 350, 500, 300}, uneven), (Rectangle{70, 638, 560, 85}));
+    EXPECT_EQ(promptWindowFrameFromTop({100, 350, 500, 530}, uneven), (Rectangle{70, 775, 560, 85}));
+    EXPECT_EQ(promptWindowFrameFromTop({900, 0, 500, 900}, uneven), (Rectangle{870, 815, 560, 85}));
 }
 
 TEST(PromptWindowGeometry, FoldsByTheTellingTimes) {

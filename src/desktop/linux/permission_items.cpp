@@ -80,10 +80,12 @@ std::vector<PermissionItem> accessibilityItems(const Environment& environment) {
              .check = [] { return XWindowSource().canFollow(); }}};
 }
 
+// None is required: without any, a companion in the file manager or its context menu still tells what is selected.
 std::vector<PermissionItem> automationItems(const Environment& environment, AnsweringProcess& helper) {
     return {{.title = "The desktop's accessibility bus answers",
              .remedy = "Install the package at-spi2-core, log out and log in again.",
-             .check = [environment] { return hasAccessibilityBus(environment); }},
+             .check = [environment] { return hasAccessibilityBus(environment); },
+             .isRequired = false},
             {.title = "The file manager tells what is selected",
              .remedy = "Close all windows of the file manager and open it again. In Thunar choose View > View as "
                        "Detailed List. PCManFM needs the packages libatk-adaptor and libgail-common, and "

@@ -71,17 +71,23 @@ class SelectionReader {
     // None: the window isn't among those that this process can see.
     std::optional<std::string> read(const FolderWindowDetails& asked, bool isFresh) {
         const TimeLimit limit = ReaderClock::now() + longestReading;
-        std::optional<std::vector<std::string>> names;
-        if (!isFresh && content_.view) names = selectedNames(content_.view, limit);
-        if (!names) {
+        // A search costs tens of milliseconds. What has no view that tells gets one with the next fresh look.
+        const bool isSearched = isFresh || folder_.empty();
+        if (isSearched && !find(asked, limit)) return std::nullopt;
+        auto names = namesInView(limit);
+        if (!names && content_.view && !isSearched) {
             if (!find(asked, limit)) return std::nullopt;
-            if (content_.view) names = selectedNames(content_.view, limit);
+            names = namesInView(limit);
         }
         if (folder_.empty()) return "";
         std::string text = folder_;
         text.append(fieldEnd).append(names ? knownSelection : unknownSelection);
         for (const std::string& name : names.value_or(std::vector<std::string>())) text.append(fieldEnd).append(name);
         return text;
+    }
+
+    std::optional<std::vector<std::string>> namesInView(TimeLimit limit) {
+        return content_.view ? selectedNames(content_.view, limit) : std::nullopt;
     }
 
     bool find(const FolderWindowDetails& asked, TimeLimit limit) {

@@ -92,10 +92,14 @@ struct XWindowSource::State {
         if (!asks) return seen;
         const xcb_window_t root = asks.root();
         const auto stacking = ask(root, "_NET_CLIENT_LIST_STACKING");
+        const auto clients = ask(root, "_NET_CLIENT_LIST");
         const auto active = ask(root, "_NET_ACTIVE_WINDOW");
         const auto desktop = ask(root, "_NET_CURRENT_DESKTOP");
         const auto showingDesktop = ask(root, "_NET_SHOWING_DESKTOP");
         std::vector<xcb_window_t> windows = asks.numbers(stacking);
+        // xfwm4 4.18 tells no stacking until a window was first raised.
+        const std::vector<xcb_window_t> inOrderOfMapping = asks.numbers(clients);
+        if (windows.empty()) windows = inOrderOfMapping;
         std::reverse(windows.begin(), windows.end());
         seen.activeWindow = firstNumber(active).value_or(XCB_NONE);
         seen.desktop = firstNumber(desktop);

@@ -1,7 +1,8 @@
 // Shows files by the D-Bus interface org.freedesktop.FileManager1, asked through dbus-send(1), and folders through
 // xdg-open(1) where nobody offers that interface. Seen with Thunar 4.18, Nautilus 43, Nemo 5.6, Caja 1.26, PCManFM-Qt
-// 1.2 and Dolphin 22.12: of several items only Dolphin selects all in one window, the others open a window for each.
-// So the others are asked for the first, and the rest is selected in its window through the accessibility bus. Asking
+// 1.2 and Dolphin 22.12: of several items only Dolphin selects all in one window, the others open a window for each,
+// and a new one though a window shows the folder. So items are selected in that through the accessibility bus; where
+// there is none, the others are asked for the first, and the rest is selected in its window in the same way. Asking
 // for the folder instead opens no fewer windows (Thunar, Nemo, Caja: always a new one; Nautilus: neither way), and
 // where the rest can't be selected the first would need a window of its own. A Thunar with our companion in it is asked
 // before all that (companions/thunar).
@@ -132,8 +133,7 @@ class DesktopPresenter final : public FilePresenter {
         if (items.empty()) return;
         const std::optional<FileManagerNames> manager = fileManager();
         if (manager && selectByCompanion(*manager, items)) return;
-        if (items.size() > 1 && manager && !manager->own.starts_with(dolphinPrefix))
-            return selectSeveral(*manager, items);
+        if (manager && !manager->own.starts_with(dolphinPrefix)) return selectInOneWindow(*manager, items);
         if (!call(manager, "ShowItems", items)) showFolderOf(items);
     }
 
@@ -142,14 +142,15 @@ class DesktopPresenter final : public FilePresenter {
     }
 
   private:
-    // By a file manager that would open a window for each.
-    void selectSeveral(const FileManagerNames& manager, const std::vector<FilePath>& items) const {
+    // By a file manager that would open a window for each, also where one shows their folder already.
+    void selectInOneWindow(const FileManagerNames& manager, const std::vector<FilePath>& items) const {
         std::optional<AccessibleSelection> selection;
         if (hasAccessibilityBus())
             selection.emplace(items, environment_, std::min<std::chrono::milliseconds>(longestHelp_, longestSelecting));
         std::optional<pid_t> process = selection ? processOf(manager.own) : std::nullopt;
         if (process && selection->selectWhereShown(*process)) return;
         if (!call(manager, "ShowItems", {items.front()})) return showFolderOf(items);
+        if (items.size() == 1) return;
         // It may have been started only now.
         if (selectInNewWindowByCompanion(fileManager().value_or(manager), items)) return;
         process = selection ? processOf(manager.own) : std::nullopt;
