@@ -5,6 +5,7 @@
 
 #include "platform/log.h"
 #include "text/enum_rows.h"
+#include "text/overloaded.h"
 
 namespace brindlet {
 
@@ -20,14 +21,6 @@ constexpr TutorialStateRow tutorialStateRows[] = {
     {MenuBarTutorialState::shown, "shown"},
 };
 static_assert(rowsCover(tutorialStateRows, MenuBarTutorialState::shown));
-
-void logUnstored(const std::optional<Failure>& failure) {
-    if (failure) logError(failure->description);
-}
-
-void store(SettingsStore& settings, MenuBarTutorialState state) {
-    logUnstored(settings.setText(ApplicationShell::tutorialStateKey, rawValue(state)));
-}
 
 // The first that is allowed says what to think of it.
 struct NoticeRow {
@@ -58,7 +51,8 @@ void ApplicationShell::onLaunch() {
     if (runInitialSetup_) return;
     runInitialSetup_ = true;
     if (tutorialState() == MenuBarTutorialState::unknown)
-        store(settings_, shownOnboarding() ? MenuBarTutorialState::shown : MenuBarTutorialState::notShown);
+        store(tutorialStateKey,
+              rawValue(shownOnboarding() ? MenuBarTutorialState::shown : MenuBarTutorialState::notShown));
     if (shownOnboarding())
         begin(false);
     else
@@ -80,23 +74,45 @@ void ApplicationShell::begin(bool afterOnboarding) {
     actions_.registerHotKey();
 }
 
+// Where nothing can be stored, as in a home that is read only, a choice holds until the program ends.
+void ApplicationShell::store(std::string_view key, Stored value) {
+    const auto failure = std::visit(Overloaded{[&](bool flag) { return settings_.setBoolean(key, flag); },
+                                               [&](std::string_view text) { return settings_.setText(key, text); }},
+                                    value);
+    if (!failure) {
+        unstored_.erase(key);
+        return;
+    }
+    logError(failure->description);
+    unstored_.insert_or_assign(key, value);
+}
+
+std::optional<ApplicationShell::Stored> ApplicationShell::unstored(std::string_view key) const {
+    const auto found = unstored_.find(key);
+    return found == unstored_.end() ? std::nullopt : std::optional(found->second);
+}
+
 bool ApplicationShell::shownOnboarding() const {
+    if (const auto kept = unstored(shownOnboardingKey)) return std::get<bool>(*kept);
     return settings_.boolean(shownOnboardingKey).value_or(false);
 }
 
 bool ApplicationShell::wantsToBeActive() const {
+    if (const auto kept = unstored(wantsToBeActiveKey)) return std::get<bool>(*kept);
     return settings_.boolean(wantsToBeActiveKey).value_or(true);
 }
 
 MenuBarTutorialState ApplicationShell::tutorialState() const {
-    const auto text = settings_.text(tutorialStateKey);
-    const auto row = std::ranges::find(tutorialStateRows, text.value_or(""), &TutorialStateRow::rawValue);
+    const auto kept = unstored(tutorialStateKey);
+    const auto text =
+        kept ? std::string(std::get<std::string_view>(*kept)) : settings_.text(tutorialStateKey).value_or("");
+    const auto row = std::ranges::find(tutorialStateRows, text, &TutorialStateRow::rawValue);
     return row == std::end(tutorialStateRows) ? MenuBarTutorialState::unknown : row->key;
 }
 
 void ApplicationShell::setWantsToBeActive(bool wants) {
     const bool isChanged = wants != wantsToBeActive();
-    logUnstored(settings_.setBoolean(wantsToBeActiveKey, wants));
+    store(wantsToBeActiveKey, wants);
     if (!isChanged || !shownOnboarding()) return;
     if (wants) return showBarIfWanted();
     if (actions_.hasBar()) actions_.animateBarClosed();
@@ -121,13 +137,15 @@ void ApplicationShell::toggleBar() {
 void ApplicationShell::pressedCloseButton() {
     if (tutorialState() == MenuBarTutorialState::shown) return;
     actions_.openMenuBarTutorial();
-    store(settings_, MenuBarTutorialState::shown);
+    store(tutorialStateKey, rawValue(MenuBarTutorialState::shown));
 }
 
 void ApplicationShell::onboardingFinished() {
-    logUnstored(settings_.setBoolean(shownOnboardingKey, true));
-    logUnstored(settings_.setBoolean(wantsToBeActiveKey, true));
+    const bool wasPutAway = begun_ && !wantsToBeActive();  // the pages were shown again
+    store(shownOnboardingKey, true);
+    store(wantsToBeActiveKey, true);
     actions_.closeOnboarding();
+    if (wasPutAway) showBarIfWanted();
 }
 
 void ApplicationShell::onboardingClosed() {

@@ -8,10 +8,12 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "analysis/risk.h"
@@ -91,7 +93,12 @@ class ApplicationShell {
     MenuItem barMenuItem();
 
   private:
+    using Stored = std::variant<bool, std::string_view>;  // texts and keys are this class's own constants
+    void store(std::string_view key, Stored value);
+    std::optional<Stored> unstored(std::string_view key) const;
+
     SettingsStore& settings_;
+    std::map<std::string_view, Stored> unstored_;  // what could not be written
     ShellPermissions& permissions_;
     ShellActions& actions_;
     bool runInitialSetup_ = false;

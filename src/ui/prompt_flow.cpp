@@ -122,7 +122,7 @@ void PromptFlow::confirmOrDismiss() {
 }
 
 void PromptFlow::confirm() {
-    if (view_.promptState != awaitingConfirmation || view_.needsHomebrew) return;
+    if (view_.promptState != awaitingConfirmation || view_.needsHomebrew || view_.isPredicting) return;
     view_.commandSummaryShowing = false;
     if (!view_.missingPackageName) return runCommand();
     install(!services_.packages.requiresInstallForPrediction(*view_.missingPackageName));
@@ -150,6 +150,7 @@ void PromptFlow::escape() {
             view_.prompt.clear();
             return changed();
         case responseReceived:
+            if (view_.isPredicting) reset();
             return;
         case enteringFollowUpPrompt:
             view_.promptState = awaitingConfirmation;
@@ -170,6 +171,7 @@ void PromptFlow::escape() {
 void PromptFlow::reset() {
     cancelTask();
     analysisDebounce_.reset();
+    decidesLater_ = false;
     PromptFlowView fresh;
     fresh.selectedModel = std::move(view_.selectedModel);
     fresh.commandHistory = std::move(view_.commandHistory);
@@ -273,6 +275,15 @@ void PromptFlow::selectionChanged() {
         if (view_.promptState == awaitingConfirmation) view_.commandSummaryShowing = true;
     }
     changed();
+    decideIfDue();
+}
+
+// A text that is being edited is predicted anew in a moment.
+void PromptFlow::predictionArrived() {
+    if (!view_.isPredicting || !view_.command || analysisDebounce_) return;
+    applyCommand(view_.command);
+    changed();
+    decideIfDue();
 }
 
 // What comes of them.
@@ -313,6 +324,13 @@ void PromptFlow::answered(const Result<AICommand>& answer) {
     enterInHistory(*view_.command);
     if (!view_.commandHistory.empty()) view_.currentHistoryIndex = view_.commandHistory.size() - 1;
     changed();
+    decidesLater_ = view_.isPredicting;
+    if (!decidesLater_) decide();
+}
+
+void PromptFlow::decideIfDue() {
+    if (view_.isPredicting || !std::exchange(decidesLater_, false)) return;
+    enterInHistory(*view_.command);  // as the prediction has it
     decide();
 }
 
@@ -337,6 +355,7 @@ void PromptFlow::applyCommand(std::optional<AICommand> command) {
         view_.command.reset();
         refreshMissingPackage();
         view_.analysisResult = {};
+        view_.isPredicting = false;
         view_.editedBashCommand.clear();
         return;
     }
@@ -349,6 +368,9 @@ void PromptFlow::applyCommand(std::optional<AICommand> command) {
                               .requiredPackages = view_.analysisResult.requiredPackages};
     refreshMissingPackage();
     view_.editedBashCommand = view_.command->bashCommand;
+    view_.isPredicting = services_.isPredictionOut && services_.isPredictionOut();
+    view_.riskSummary = RiskSummary::low;
+    if (view_.isPredicting) return;
     const std::set<CommandEffect> effects = commandEffects(view_.analysisResult, folder);
     view_.riskSummary = riskSummary(effects);
     logRisk(view_.riskSummary, effects);

@@ -95,6 +95,9 @@ struct FlowServices {
     bool summarizes = true;                  // else the run's end is the end, with no result
     bool fansOut = true;                     // else a line runs once with all files, whatever it names
     bool alwaysAsks = false;                 // stops at the prediction whatever the settings allow
+    // True: what `analyse` gave last stands in for a result that takes its time, of which predictionArrived() will
+    // tell; until then nothing runs.
+    std::function<bool()> isPredictionOut{};
     // True: the items may not be what the user has selected, so nothing runs unasked.
     std::function<bool()> isSelectionDoubtful{};
 };
@@ -105,6 +108,7 @@ struct PromptFlowView {
     std::string prompt;
     std::optional<AICommand> command;
     AnalysisResult analysisResult;
+    bool isPredicting = false;  // the result isn't there yet
     RiskSummary riskSummary = RiskSummary::low;
     std::set<CommandEffect> reasons;  // to ask, at the last decision
     std::string editedBashCommand;
@@ -165,6 +169,7 @@ class PromptFlow {
     void setHistoryShowing(bool showing);
     // The items or the folder of the FinderContext changed.
     void selectionChanged();
+    void predictionArrived();
 
   private:
     struct Task;  // what is out, and whether it still counts
@@ -178,6 +183,7 @@ class PromptFlow {
     void presentFailure(const Failure& failure);
     void answered(const Result<AICommand>& answer);
     void decide();
+    void decideIfDue();
     void applyCommand(std::optional<AICommand> command);
     void refreshMissingPackage();
     void saveHistory();
@@ -206,6 +212,7 @@ class PromptFlow {
     std::function<void()> observer_;
     TaskPointer task_;
     bool asksFirst_ = false;                  // at the next decision
+    bool decidesLater_ = false;               // the decision waits for the prediction
     std::shared_ptr<bool> analysisDebounce_;  // the pending re-simulation; it counts while this is the same
     std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
 };

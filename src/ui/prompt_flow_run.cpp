@@ -240,21 +240,24 @@ constexpr std::string_view lineSeparator = ", ";
 
 }  // namespace
 
+// From the end, and no further than needed: an output may be huge.
 std::string outputTail(std::string_view output) {
     const std::string_view text = trimmed(output);
-    std::vector<std::string> lines;
-    for (const std::string& line : split(text, "\n"))
-        if (const std::string_view inner = trimmed(line); !inner.empty()) lines.emplace_back(inner);
-    if (lines.empty() || characterCount(text) <= longestTail) return joined(lines, lineSeparator);
-    std::vector<std::string> tail;
+    const bool isShort = firstCharacters(text, longestTail).size() == text.size();
+    std::vector<std::string> tail;  // the last line first
     std::size_t length = 0;
-    for (auto line = lines.rbegin(); line != lines.rend(); ++line) {
-        const std::size_t added = characterCount(*line) + (tail.empty() ? 0 : lineSeparator.size());
-        if (length + added > longestTail) break;
-        length += added;
-        tail.insert(tail.begin(), *line);
+    for (std::size_t end = text.size(), start = end; start > 0; end = start - 1) {
+        const std::size_t lineEnd = end > 0 ? text.rfind('\n', end - 1) : std::string_view::npos;
+        start = lineEnd == std::string_view::npos ? 0 : lineEnd + 1;
+        const std::string_view line = trimmed(text.substr(start, end - start));
+        if (line.empty()) continue;
+        const std::string_view beginning = isShort ? line : firstCharacters(line, longestTail);
+        if (beginning.size() < line.size() && tail.empty()) return std::string(beginning);
+        length += characterCount(beginning) + (tail.empty() ? 0 : lineSeparator.size());
+        if (!isShort && (beginning.size() < line.size() || length > longestTail)) break;
+        tail.emplace_back(line);
     }
-    if (tail.empty()) return std::string(firstCharacters(lines.back(), longestTail));
+    std::ranges::reverse(tail);
     return joined(tail, lineSeparator);
 }
 

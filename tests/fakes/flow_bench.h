@@ -89,7 +89,8 @@ class Bench {
                 },
                 .reveal = [this](const std::vector<FilePath>& files) { revealed = files; },
                 .exists = [](const FilePath& file) { return file.name() != "never.txt"; },
-                .history = &history});
+                .history = &history,
+                .isPredictionOut = [this] { return isPredictionOut; }});
             flow_->appear();
             finder.onChange([this] { flow_->selectionChanged(); });
         }
@@ -145,6 +146,7 @@ class Bench {
     std::vector<std::string> ran;
     std::vector<FilePath> revealed;
     int analyses = 0;
+    bool isPredictionOut = false;
     std::size_t analysedFiles = 0;
 
   private:

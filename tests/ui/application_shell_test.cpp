@@ -108,6 +108,30 @@ TEST_F(Shell, HotKeyBringsForwardOrHides) {
     EXPECT_EQ(asked(), "file manager, activate");
 }
 
+TEST_F(Shell, PagesThatAreShownAgainBringTheBarBack) {
+    settled();
+    settings.setBoolean("wantsToBeActive", false);
+    shell.onLaunch();
+    EXPECT_EQ(asked(), "follow, key, index");
+    shell.onboardingFinished();
+    shell.onboardingClosed();
+    EXPECT_EQ(asked(), "close pages, file manager, bar, activate");
+}
+
+TEST_F(Shell, ChoicesHoldWhereNothingCanBeStored) {
+    SettingsStore nowhere(FilePath("/proc/brindlet/settings.json"));
+    ApplicationShell unstored(nowhere, front, front);
+    unstored.onLaunch();
+    unstored.onboardingFinished();
+    unstored.onboardingClosed();
+    EXPECT_EQ(asked(), "page 0, index, close pages, file manager, bar, activate, follow, key");
+    unstored.pressedCloseButton();
+    unstored.pressedCloseButton();
+    unstored.setWantsToBeActive(false);
+    EXPECT_EQ(asked(), "tutorial, fold, file manager");
+    EXPECT_FALSE(unstored.wantsToBeActive());
+}
+
 TEST_F(Shell, TutorialComesOnceAndTheDockIconWithWindows) {
     shell.pressedCloseButton();
     shell.pressedCloseButton();

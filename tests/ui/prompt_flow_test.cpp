@@ -5,6 +5,7 @@
 #include "exec/command_history.h"
 #include "fakes/flow_bench.h"
 #include "platform/log.h"
+#include "ui/patient_prediction.h"
 
 namespace brindlet {
 namespace prompt_flow_tests {
@@ -253,6 +254,90 @@ TEST(PromptFlow, PredictionFollowsTheSelectionUntilTheRun) {
     EXPECT_EQ(bench.ran, (std::vector<std::string>{"mv \"${FILE_NAME}\" x a.txt", "mv \"${FILE_NAME}\" x b.txt"}));
 }
 
+TEST(PromptFlow, NothingRunsByAPredictionThatIsStillOut) {
+    Bench bench;
+    bench.answer("wc -l");
+    bench.isPredictionOut = true;
+    bench.request("count something odd");
+    bench.step();
+    EXPECT_EQ(bench.state(), responseReceived);
+    bench.flow().confirmOrDismiss();
+    bench.isPredictionOut = false;
+    bench.flow().predictionArrived();
+    EXPECT_EQ(bench.state(), runningCommand);  // harmless, as it turns out
+    bench.finish();
+    EXPECT_EQ(bench.flow().view().commandHistory.size(), 1U);
+
+    bench.flow().escape();
+    bench.isPredictionOut = true;
+    bench.flow().historyStep(-1);
+    EXPECT_EQ(bench.state(), awaitingConfirmation);
+    bench.flow().confirm();
+    EXPECT_EQ(bench.state(), awaitingConfirmation);
+    bench.flow().editCommand("wc -c");
+    bench.isPredictionOut = false;
+    bench.flow().predictionArrived();  // of the text before
+    EXPECT_TRUE(bench.flow().view().isPredicting);
+    bench.loop.pass(1s);
+    bench.flow().confirm();
+    EXPECT_EQ(bench.state(), runningCommand);
+    bench.finish();
+    EXPECT_EQ(bench.ran.back(), "wc -c a.txt b.txt");
+
+    bench.flow().escape();
+    bench.answer("wc -l");
+    bench.isPredictionOut = true;
+    bench.request("count something odd");
+    bench.step();
+    bench.flow().escape();
+    bench.isPredictionOut = false;
+    bench.flow().predictionArrived();
+    EXPECT_EQ(bench.state(), enteringPrompt);
+    EXPECT_EQ(bench.ran.size(), 2U);
+}
+
+TEST(PatientPrediction, StandsInForWhatTakesLong) {
+    HandCrankedLoop loop;
+    HandCrankedWorkers workers;
+    std::vector<std::string> predicted;
+    int arrivals = 0;
+    std::optional<PredictReport> fetched;
+    PatientPrediction* patient = nullptr;
+    PatientPrediction prediction(
+        loop, workers,
+        [&](const std::string& line, const std::vector<FilePath>&, const FilePath&) {
+            predicted.push_back(line);
+            PredictReport report{};
+            report.runs = "made";
+            return report;
+        },
+        [&] {
+            ++arrivals;
+            fetched = patient->predict("b", {}, FilePath("/w"));
+        },
+        0ms);
+    patient = &prediction;
+    EXPECT_TRUE(prediction.predict("a", {}, FilePath("/w")).result.analysisError);
+    EXPECT_TRUE(prediction.isOut());
+    prediction.predict("b", {}, FilePath("/w"));
+    prediction.predict("b", {}, FilePath("/w"));  // is out already
+    workers.crank();
+    workers.crank();
+    EXPECT_FALSE(workers.hasWork());
+    EXPECT_EQ(predicted, std::vector<std::string>{"b"});  // nobody wanted the other one any more
+    loop.crank();
+    EXPECT_EQ(arrivals, 1);
+    EXPECT_EQ(fetched->runs, "made");
+    EXPECT_FALSE(fetched->result.analysisError);
+    EXPECT_FALSE(prediction.isOut());
+
+    EXPECT_TRUE(prediction.predict("c", {}, FilePath("/w")).result.analysisError);
+    workers.crank();
+    loop.crank();  // fetched by nobody: it would be old the next time
+    EXPECT_EQ(arrivals, 2);
+    EXPECT_TRUE(prediction.isOut());  // of the "b" that was asked for in its place
+}
+
 TEST(PromptFlow, OneFailingFileDoesNotStopTheOthers) {
     Bench bench;
     bench.runResults = {{"one", "no room", 3}, {"two", "", 0}};
@@ -398,6 +483,8 @@ TEST(PromptFlow, TailOfAnOutput) {
     EXPECT_EQ(outputTail(std::string(100, 'a') + "\n" + std::string(60, 'b') + "\n" + std::string(58, 'c')),
               std::string(60, 'b') + ", " + std::string(58, 'c'));
     EXPECT_EQ(outputTail("a\n" + long_), std::string(120, 'x'));
+    EXPECT_EQ(outputTail(long_ + "\r\n \n b\n\n"), "b");
+    EXPECT_EQ(outputTail("\n"), "");
 }
 
 }  // namespace prompt_flow_tests

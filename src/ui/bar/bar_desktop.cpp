@@ -1,8 +1,9 @@
 #include "ui/bar/bar_desktop.h"
 
+#include <QBitmap>
 #include <QGuiApplication>
-#include <QPainterPath>
-#include <QQuickItem>
+#include <QPainter>
+#include <QQuickWindow>
 #include <QRegion>
 #include <QScreen>
 #include <utility>
@@ -24,8 +25,6 @@ using namespace std::chrono_literals;
 constexpr auto openingTime = 4s;
 // Compositors come and go without word of it.
 constexpr auto lookInterval = 2s;
-// The page's item of this name is the bar itself, without what is left empty around it.
-constexpr const char* shapeName = "barShape";
 
 Screen primaryScreen() {
     const auto rectangleOf = [](const QRect& rectangle) {
@@ -33,6 +32,7 @@ Screen primaryScreen() {
                          static_cast<double>(rectangle.width()), static_cast<double>(rectangle.height())};
     };
     const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr) return {};  // the last one was unplugged
     return {rectangleOf(screen->geometry()), rectangleOf(screen->availableGeometry())};
 }
 
@@ -78,11 +78,20 @@ void BarDesktop::chooseWindows() {
 }
 
 FinderSource BarDesktop::finderSource() {
-    return [source = source_] { return source->fetch(); };
+    return [source = source_, &loop = loop_, self = std::weak_ptr(self_)] {
+        const bool knew = source->knowsSelection();
+        auto found = source->fetch();
+        if (source->knowsSelection() != knew)
+            loop.post([self] {
+                if (const auto desktop = self.lock()) (*desktop)->refreshLook();
+            });
+        return found;
+    };
 }
 
 void BarDesktop::handOver(FinderSelection selection) {
     source_->handOver(std::move(selection));
+    refreshLook();
     if (parts_) parts_->finder.fetch();
 }
 
@@ -109,6 +118,13 @@ void BarDesktop::prepare(BarDesktopParts parts) {
                             .onDidClose = parts_->onDidClose,
                             .onControllerChange = [this](auto* controller) { followController(controller); }});
     sleepListener_ = std::make_unique<SleepListener>(workspace_);
+    // The file manager's window may stay where it is while the bar below it has no place any more.
+    const auto follow = [this] {
+        if (bar() != nullptr) bar()->startFollowing(500ms);
+    };
+    for (const auto change :
+         {&QGuiApplication::screenAdded, &QGuiApplication::screenRemoved, &QGuiApplication::primaryScreenChanged})
+        QObject::connect(qGuiApp, change, sleepListener_.get(), follow);
 }
 
 std::unique_ptr<PromptWindow> BarDesktop::makeWindow() {
@@ -124,6 +140,7 @@ std::unique_ptr<PromptWindow> BarDesktop::makeWindow() {
 
 void BarDesktop::followController(PromptWindowController* controller) {
     if (controller == nullptr) return lookTimer_.stop();
+    parts_->onAppear();
     controller->promptWindowContext().onChange = [this] { turnFold(); };
     refreshLook();
     lookTimer_.start(lookInterval);
@@ -158,12 +175,15 @@ void BarDesktop::refreshLook() {
 void BarDesktop::cutToShape() {
     if (!page_) return;
     if (hasCompositor()) return page_->setMask(QRegion());
-    QRectF shape(promptWindowOverhang, 0, page_->width() - 2 * promptWindowOverhang, page_->height());
-    if (const auto* item = page_->contentItem()->findChild<QQuickItem*>(QLatin1String(shapeName)))
-        shape = QRectF(item->mapToScene(QPointF(0, 0)), item->size());
-    QPainterPath path;
-    path.addRoundedRect(shape, promptWindowCornerRadius, promptWindowCornerRadius);
-    page_->setMask(QRegion(path.toFillPolygon().toPolygon()));
+    QBitmap shape(page_->size());
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(QRectF(shape.rect()).adjusted(promptWindowOverhang, 0, -promptWindowOverhang, 0),
+                            promptWindowCornerRadius, promptWindowCornerRadius);
+    painter.end();
+    page_->setMask(QRegion(shape));
 }
 
 void BarDesktop::openHomeFolder() {

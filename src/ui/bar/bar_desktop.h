@@ -33,6 +33,7 @@ struct BarDesktopParts {
     std::function<bool()> wantsToBeActive;
     std::function<bool()> isTranslucent;
     std::function<void(const FilePath& folder)> openFolder;  // in the file manager
+    std::function<void()> onAppear;                          // the bar is there, perhaps again
     std::function<void()> onPressedCloseButton;
     std::function<void()> onDidClose;
 };
@@ -91,6 +92,7 @@ class BarDesktop final {
     std::chrono::steady_clock::time_point homeOpenedAt_{};
     std::unique_ptr<PromptWindowKeeper> keeper_;
     std::unique_ptr<QObject> sleepListener_;
+    std::shared_ptr<BarDesktop*> self_ = std::make_shared<BarDesktop*>(this);  // for those who may outlive it
 };
 
 }  // namespace brindlet

@@ -129,13 +129,17 @@ void BarModel::followPrediction() {
     const std::string id = now.command ? now.command->id : "";
     const auto& folder = parts_.finder.activeFolderPath();
     const bool isSame = id == told_.commandId && folder == told_.folder &&
-                        now.missingPackageName == told_.missingPackage && now.needsHomebrew == told_.needsHomebrew;
+                        now.missingPackageName == told_.missingPackage && now.needsHomebrew == told_.needsHomebrew &&
+                        now.isPredicting == told_.isPredicting;
     if (isSame) return;
     told_.commandId = id;
     told_.folder = folder;
     told_.missingPackage = now.missingPackageName;
     told_.needsHomebrew = now.needsHomebrew;
+    if (std::exchange(told_.isPredicting, now.isPredicting) && !now.isPredicting)
+        answersFrom_ = std::chrono::steady_clock::now() + readingTime;
     prediction_ = now.command ? parts_.prediction() : std::nullopt;
+    rows_ = predictedRows();
     emit predictionChanged();
 }
 
@@ -203,9 +207,12 @@ QString BarModel::runsText() const {
                           : QString();
 }
 
-QVariantList BarModel::rows() const {
+QVariantList BarModel::predictedRows() const {
     QVariantList list;
     if (!prediction_) return list;
+    if (view().isPredicting)
+        return {mapOf({{{{"yellow", "clock"}}, "Still finding out what this does…", std::nullopt}, std::nullopt},
+                      *prediction_)};
     for (const PredictionRow& row : predictionRowsWithChanges(prediction_->result, prediction_->folder,
                                                               prediction_->home, prediction_->predictionNeedsInstall))
         list.append(mapOf(row, *prediction_));

@@ -74,13 +74,13 @@ class BarModel final : public QObject {
     QString runsText() const;
     // {icon, color, text, subtitle}; a row of a single change also has {verb, isStruck, target} and, where something
     // moves, {source}: paths as {from: "folder", "trash" or "home", rest}.
-    QVariantList rows() const;
+    QVariantList rows() const { return rows_; }
     // {name, description, licenseName, licenseURL, sourceURL, isFromHomebrew, needsHomebrew}; empty: nothing is
     // missing.
     QVariantMap requirement() const;
     QString risk() const;
     QString confirmText() const;
-    bool canConfirm() const { return !view().needsHomebrew; }
+    bool canConfirm() const { return !view().needsHomebrew && !view().isPredicting; }
     QString command() const;
     double progress() const { return view().progressNorm.value_or(-1); }
     int progressDuration() const { return progressDuration_; }  // milliseconds
@@ -139,6 +139,7 @@ class BarModel final : public QObject {
         std::optional<std::string> folder;
         std::optional<std::string> missingPackage;
         bool needsHomebrew = false;
+        bool isPredicting = false;
         std::string command;
         std::optional<double> progress;
         std::size_t runs = 0;
@@ -152,12 +153,14 @@ class BarModel final : public QObject {
     void follow();
     void followState();
     void followPrediction();
+    QVariantList predictedRows() const;
     void followProgress();
     void followHistory();
 
     BarParts parts_;
     Told told_;
     std::optional<PredictReport> prediction_;
+    QVariantList rows_;  // of it: a page reads the whole list again for each row
     int progressDuration_ = 0;
     std::chrono::steady_clock::time_point answersFrom_{};
 };

@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QMessageBox>
 #include <QQmlComponent>
+#include <QScreen>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -42,8 +44,16 @@ QVariantMap propertiesOf(QObject& model) {
     return {{QStringLiteral("model"), QVariant::fromValue(&model)}};
 }
 
+// Window managers put a window wherever there is room.
+void placeInMiddle(QQuickWindow& window) {
+    const QRect room = window.screen()->availableGeometry();
+    const int below = std::max(0, room.height() - window.height());
+    window.setPosition(room.x() + (room.width() - window.width()) / 2, room.y() + below * 2 / 5);
+}
+
 void showUpdateSentence(const QString& sentence) {
     auto* box = new QMessageBox(QMessageBox::Information, QStringLiteral("Brindlet"), sentence);
+    box->setTextFormat(Qt::PlainText);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->show();
 }
@@ -90,7 +100,6 @@ BarProgram::~BarProgram() {
 }
 
 void BarProgram::start(const BarRequest& request) {
-    host_.flow().appear();
     instance_.listen();
     tray_ = std::make_unique<Tray>([this] { return trayEntries(); });
     if (request.handedOver) {
@@ -103,6 +112,13 @@ void BarProgram::start(const BarRequest& request) {
         context_.settings().setBoolean(ApplicationShell::wantsToBeActiveKey, true);
     shell_.onLaunch();
     if (request.kind == BarRequest::Kind::settings && shell_.hasBegun()) openSettings({});
+    if (request.kind == BarRequest::Kind::permissionsTest) show(permissionsTestPage, permissionsTestModel_);
+}
+
+void BarProgram::endWork() {
+    host_.flow().observe({});
+    host_.flow().reset();
+    host_.finish();
 }
 
 FlowOptions BarProgram::flowOptions() {
@@ -110,6 +126,7 @@ FlowOptions BarProgram::flowOptions() {
     options.trackers = chooseProgressTracker;
     options.reveals = true;
     options.finderSource = desktop_.finderSource();
+    options.predictsBeside = true;
     options.isSelectionDoubtful = [this] { return !desktop_.knowsSelection(); };
     options.tell = [](const std::string& sentence) { logInfo(sentence); };
     return options;
@@ -142,6 +159,7 @@ BarDesktopParts BarProgram::desktopParts() {
             .isTranslucent =
                 [this] { return context_.settings().boolean(ApplicationShell::translucentKey).value_or(true); },
             .openFolder = [this](const FilePath& folder) { showFolder(folder); },
+            .onAppear = [this] { host_.flow().appear(); },
             .onPressedCloseButton = [this] { shell_.pressedCloseButton(); },
             .onDidClose = [this] { shell_.setWantsToBeActive(false); }};
 }
@@ -177,7 +195,11 @@ OnboardingParts BarProgram::onboardingParts() {
             .loop = loop_,
             .workers = workers_,
             .actions = contextMenuActions(context_.environment()),
-            .finished = [this] { shell_.onboardingFinished(); },
+            .finished =
+                [this] {
+                    permissions_.enableLaunchAtLoginOnce();
+                    shell_.onboardingFinished();
+                },
             .closed = [this] { shell_.onboardingClosed(); },
             .quit = [] { QApplication::quit(); }};
 }
@@ -204,6 +226,7 @@ QString BarProgram::hotKeyText() const {
 
 void BarProgram::take(const BarRequest& request) {
     if (request.kind == BarRequest::Kind::quit) return QApplication::quit();
+    if (request.kind == BarRequest::Kind::permissionsTest) return show(permissionsTestPage, permissionsTestModel_);
     if (request.handedOver) desktop_.handOver(*request.handedOver);
     if (!shell_.hasBegun()) return show(onboardingPage, onboardingModel_);
     switch (request.kind) {
@@ -261,7 +284,9 @@ QQuickWindow* BarProgram::page(const char* name, QVariantMap properties) {
 }
 
 void BarProgram::show(const char* name, QObject& model) {
+    const bool isNew = !pages_.contains(name);
     QQuickWindow* window = page(name, propertiesOf(model));
+    if (isNew) placeInMiddle(*window);
     window->show();
     window->raise();
     window->requestActivate();

@@ -35,6 +35,8 @@ class BarProgram final : private ShellActions, private ShellPermissions {
     BarProgram& operator=(const BarProgram&) = delete;
 
     void start(const BarRequest& request);
+    // For an end that comes in the midst of everything: what runs is ended with all its children.
+    void endWork();
 
   private:
     // What the shell asks for.

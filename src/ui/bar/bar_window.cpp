@@ -31,6 +31,7 @@ constexpr const char* showsWithoutActivating = "_q_showWithoutActivating";
 
 BarWindow::BarWindow(QQuickWindow& page) : page_(&page) {
     page.setFlags(Qt::FramelessWindowHint | Qt::Tool);
+    QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &connections_, [this] { applyLevel(); });
 }
 
 bool BarWindow::isVisible() const {
@@ -63,8 +64,9 @@ void BarWindow::orderFrontRegardless() {
     page_->raise();
 }
 
+// Above the file manager's window it is anyway, and a dialog of that window's is not to be covered.
 void BarWindow::orderFront() {
-    orderFrontRegardless();
+    if (!isAboveFinder_ || !isVisible()) orderFrontRegardless();
 }
 
 void BarWindow::orderOut() {
@@ -79,7 +81,17 @@ void BarWindow::setFrame(const Rectangle& frame) {
 
 void BarWindow::setLevel(int level) {
     level_ = level;
-    if (page_) page_->setFlag(Qt::WindowStaysOnTopHint, level == floatingWindowLevel);
+    applyLevel();
+}
+
+// On top of all, it would lie on the file manager's dialogs and on the settings, too. Where it is bound to the file
+// manager's window it needn't be.
+void BarWindow::applyLevel() {
+    if (!page_) return;
+    const QWindow* active = QGuiApplication::focusWindow();
+    const bool isOthers = active != nullptr && active != page_ && active->transientParent() != page_;
+    const bool isOnTop = level_ == floatingWindowLevel && !isAboveFinder_ && !isOthers;
+    if (page_->flags().testFlag(Qt::WindowStaysOnTopHint) != isOnTop) page_->setFlag(Qt::WindowStaysOnTopHint, isOnTop);
 }
 
 // Window managers keep a window right above the one that it is transient for, and restack both together. Qt writes a
@@ -91,6 +103,9 @@ void BarWindow::standAbove(WindowId finderWindow) {
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1,
                         &finderWindow);
     xcb_flush(connection);
+    isAboveFinder_ = true;
+    applyLevel();
+    page_->raise();
 }
 
 void BarWindow::close() {

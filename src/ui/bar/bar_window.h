@@ -34,8 +34,12 @@ class BarWindow final : public PromptWindow {
     void close() override;
 
   private:
+    void applyLevel();
+
     QPointer<QQuickWindow> page_;
     int level_ = normalWindowLevel;
+    bool isAboveFinder_ = false;
+    QObject connections_;  // end with it
 };
 
 // Whether what is transparent shows what lies behind it, and isn't black.

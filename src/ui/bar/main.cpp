@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QSocketNotifier>
+#include <cstdlib>
 #include <exception>
 #include <string>
 #include <string_view>
@@ -11,9 +13,11 @@
 #include "desktop/linux/selection_reader.h"
 #include "platform/environment.h"
 #include "ui/bar/bar_program.h"
+#include "ui/bar/symbol_picture.h"
 #include "ui/terminal/command_line_context.h"
 #include "ui/terminal/console.h"
 #include "ui/terminal/exit_code.h"
+#include "ui/terminal/interruption.h"
 
 namespace brindlet {
 
@@ -26,7 +30,8 @@ struct KindRow {
 constexpr KindRow kindRows[] = {{"--toggle", BarRequest::Kind::toggle},
                                 {"--settings", BarRequest::Kind::settings},
                                 {"--quit", BarRequest::Kind::quit},
-                                {"--login", BarRequest::Kind::login}};
+                                {"--login", BarRequest::Kind::login},
+                                {"--permissions-test", BarRequest::Kind::permissionsTest}};  // for support
 
 // `brindlet bar` has looked at the words before; a folder and files are whole paths.
 BarRequest requestOf(const std::vector<std::string>& arguments) {
@@ -56,11 +61,29 @@ BarRequest requestOf(const std::vector<std::string>& arguments) {
     return request;
 }
 
+// Qt ends the program from within when the display has gone. No command may stay behind.
+BarProgram* runningProgram = nullptr;
+void endWithTheDisplay() {
+    if (runningProgram != nullptr) runningProgram->endWork();
+}
+struct RunningMark {
+    explicit RunningMark(BarProgram& program) { runningProgram = &program; }
+    ~RunningMark() { runningProgram = nullptr; }
+};
+
 int runBarProgram(const BarRequest& request, AnsweringProcess& reader) {
     if (request.kind == BarRequest::Kind::quit) return 0;  // none runs
     CommandLineContext context;
     context.startLogging();
+    const Interruption interruption;
+    QSocketNotifier politeEnd(interruption.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&politeEnd, &QSocketNotifier::activated, [&] {
+        politeEnd.setEnabled(false);
+        QApplication::quit();
+    });
     BarProgram program(context, reader);
+    const RunningMark mark(program);
+    std::atexit(endWithTheDisplay);
     program.start(request);
     return QApplication::exec();
 }
@@ -78,6 +101,7 @@ int main(int argc, char** argv) {
         // Without a graphics card's help it is the quicker and the smaller one, and works on every machine.
         if (!qEnvironmentVariableIsSet("QSG_RHI_BACKEND")) QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
         QQuickStyle::setStyle("Basic");
+        SymbolPicture::registerType();
         QApplication application(argc, argv);
         QApplication::setApplicationName("Brindlet");
         QApplication::setApplicationVersion(BRINDLET_VERSION);

@@ -28,8 +28,9 @@ constexpr MethodRow methodRows[] = {
     {BarRequest::Kind::settings, "OpenSettings"},
     {BarRequest::Kind::quit, "Quit"},
     {BarRequest::Kind::login, "Show"},
+    {BarRequest::Kind::permissionsTest, "OpenPermissionsTest"},
 };
-static_assert(rowsCover(methodRows, BarRequest::Kind::login));
+static_assert(rowsCover(methodRows, BarRequest::Kind::permissionsTest));
 
 FinderSelection selectionOf(const QByteArray& folder, const QByteArrayList& files) {
     FinderSelection selection{.items = {}, .activeFolderPath = folder.toStdString()};
@@ -37,12 +38,16 @@ FinderSelection selectionOf(const QByteArray& folder, const QByteArrayList& file
     return selection;
 }
 
+// Each of them is looked at on the disk three times a second.
+constexpr std::size_t mostItems = 100'000;
+
 // From anybody on the bus: what is no whole path isn't looked at.
 bool isWhole(const FinderSelection& selection) {
     const auto isPath = [](const std::string& path) {
         return path.starts_with('/') && path.find('\0') == std::string::npos;
     };
-    return isPath(selection.activeFolderPath) && std::ranges::all_of(selection.items, isPath);
+    return selection.items.size() <= mostItems && isPath(selection.activeFolderPath) &&
+           std::ranges::all_of(selection.items, isPath);
 }
 
 // A bar that hangs is no reason for a second one.
@@ -95,6 +100,10 @@ void SingleInstance::Toggle() {
 
 void SingleInstance::OpenSettings() {
     handlers_.request({.kind = BarRequest::Kind::settings});
+}
+
+void SingleInstance::OpenPermissionsTest() {
+    handlers_.request({.kind = BarRequest::Kind::permissionsTest});
 }
 
 void SingleInstance::Quit() {

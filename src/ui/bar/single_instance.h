@@ -22,7 +22,7 @@ namespace brindlet {
 
 // What a start of the program asks for.
 struct BarRequest {
-    enum class Kind { show, toggle, settings, quit, login };
+    enum class Kind { show, toggle, settings, quit, login, permissionsTest };
     Kind kind = Kind::show;
     std::optional<FinderSelection> handedOver{};  // with `show` only
 };
@@ -51,6 +51,7 @@ class SingleInstance final : public QObject {
     Q_SCRIPTABLE void Show();
     Q_SCRIPTABLE void Toggle();
     Q_SCRIPTABLE void OpenSettings();
+    Q_SCRIPTABLE void OpenPermissionsTest();
     Q_SCRIPTABLE void Quit();
     Q_SCRIPTABLE void HandOver(const QByteArray& folder, const QByteArrayList& files);
     Q_SCRIPTABLE void SelectionChanged(uint window, const QByteArray& folder, const QByteArrayList& files);

@@ -61,6 +61,7 @@ FlowHost::FlowHost(CommandLineContext& context, MainLoop& loop, std::vector<File
       finder_(loop_, *workers_, context.files(), source()) {
     if (options_.remembers) history_.emplace(dataFolder(), context.settings());
     if (!options_.finderSource) select(std::move(files_));
+    if (options_.predictsBeside) predictBeside();
     flow_ = std::make_unique<PromptFlow>(services());
     finder_.onChange([this] { flow_->selectionChanged(); });
 }
@@ -68,6 +69,24 @@ FlowHost::FlowHost(CommandLineContext& context, MainLoop& loop, std::vector<File
 FlowHost::~FlowHost() {
     flow_.reset();
     finish();
+}
+
+void FlowHost::finish() {
+    patient_.reset();
+    workers_.reset();
+}
+
+void FlowHost::predictBeside() {
+    patient_ = std::make_unique<PatientPrediction>(
+        loop_, *workers_,
+        [this](const std::string& line, const std::vector<FilePath>& files, const FilePath& folder) {
+            return predictCommand(line, files, folder, context_);
+        },
+        [this] {
+            if (flow_) flow_->predictionArrived();
+        });
+    context_.endPredictionsOn(patient_->stopDescriptor());
+    context_.packages();  // the rest of what predictions use is theirs alone, or there already
 }
 
 FinderSource FlowHost::source() {
@@ -87,7 +106,8 @@ FlowServices FlowHost::services() {
             .packages = *packages_,
             .analyse =
                 [this](const std::string& line, const std::vector<FilePath>& files, const FilePath& folder) {
-                    prediction_ = predictCommand(line, files, folder, context_);
+                    prediction_ = patient_ ? patient_->predict(line, files, folder)
+                                           : predictCommand(line, files, folder, context_);
                     return prediction_->result;
                 },
             .allowedEffects = [this] { return AnalysisConfirmationToggleList(context_.settings()).toggles(); },
@@ -107,6 +127,7 @@ FlowServices FlowHost::services() {
             .summarizes = options_.summarizes,
             .fansOut = options_.fansOut,
             .alwaysAsks = options_.alwaysAsks,
+            .isPredictionOut = [this] { return patient_ && patient_->isOut(); },
             .isSelectionDoubtful = options_.isSelectionDoubtful};
 }
 

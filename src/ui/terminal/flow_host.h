@@ -14,6 +14,7 @@
 #include "exec/command_runner.h"
 #include "platform/file_presenter.h"
 #include "platform/main_loop.h"
+#include "ui/patient_prediction.h"
 #include "ui/predict_report.h"
 #include "ui/prompt_flow.h"
 #include "ui/terminal/command_line_context.h"
@@ -42,6 +43,8 @@ struct FlowOptions {
     // folder.
     FinderSource finderSource{};
     std::function<bool()> isSelectionDoubtful{};
+    // The loop goes on while a prediction takes long.
+    bool predictsBeside = false;
 };
 
 class FlowHost {
@@ -64,11 +67,12 @@ class FlowHost {
     void select(std::vector<FilePath> files);
     const std::vector<FilePath>& selection() const { return files_; }
     // Waits for what was cancelled to come to its end.
-    void finish() { workers_.reset(); }
+    void finish();
 
   private:
     FinderSource source();
     FlowServices services();
+    void predictBeside();
 
     CommandLineContext& context_;
     std::vector<FilePath> files_;
@@ -80,6 +84,7 @@ class FlowHost {
     std::optional<CommandHistoryStore> history_;
     std::optional<PredictReport> prediction_;
     std::unique_ptr<ThreadWorkers> workers_;
+    std::unique_ptr<PatientPrediction> patient_;
     FinderContext finder_;
     std::unique_ptr<PromptFlow> flow_;
 };
