@@ -283,6 +283,22 @@ TEST(BarPage, PredictionIsShownEditedAndConfirmed) {
     EXPECT_TRUE(page.hasKeyboard("result"));
 }
 
+TEST(BarPage, APredictionThatTakesLongIsWaitedFor) {
+    Page page;
+    page.bench.predicted["rm a.txt"] = Bench::deletes("/home/u/w/a.txt");
+    page.open();
+    page.ask("rm a.txt");
+    page.bench.isPredictionOut = true;
+    page.bench.finder.take({{"/home/u/w/a.txt"}, "/home/u/w"});
+    ASSERT_EQ(page.items("row").size(), 1U);
+    EXPECT_EQ(page.item("row")->property("row").toMap()["icon"].toString(), "clock");
+    EXPECT_FALSE(page.item("confirm")->isEnabled());
+    page.bench.isPredictionOut = false;
+    page.bench.flow().predictionArrived();
+    EXPECT_EQ(page.item("row")->property("row").toMap()["verb"].toString(), "Deletes");
+    EXPECT_TRUE(page.item("confirm")->isEnabled());
+}
+
 TEST(BarPage, KeysOfTheStates) {
     Page page;
     page.bench.predicted["rm a.txt"] = Bench::deletes("/home/u/w/a.txt");
@@ -425,7 +441,7 @@ TEST(BarPage, ManyRowsScroll) {
     const QQuickWindow* popover = page.popover("prediction");
     ASSERT_TRUE(popover);
     EXPECT_EQ(page.items("row").size(), 41U);
-    EXPECT_LE(popover->height(), popover->screen()->size().height() / 2 + 40);
+    EXPECT_LE(popover->height(), popover->screen()->size().height() * 0.7 + 40);
     EXPECT_GT(page.item("predictionScroll")->property("contentHeight").toDouble(),
               page.item("predictionScroll")->height());
     EXPECT_TRUE(page.item("confirm"));
@@ -492,6 +508,7 @@ TEST(BarPage, HistoryIsChosenRemovedAndCleared) {
 TEST(BarPage, FilesAreDroppedAndHintsAreShown) {
     Page page({.overhang = 30, .knowsSelection = false});
     page.open();
+    EXPECT_TRUE(page.item("selection")->property("isUnknown").toBool());  // nothing is said of "This folder"
     QMimeData files;
     files.setUrls({QUrl("file:///w/a.txt"), QUrl("file:///w/b.txt")});
     QMimeData words;

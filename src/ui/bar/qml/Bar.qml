@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Shapes
 import QtQuick.Window
 
 // The bar: what is selected, the field or the result, and the buttons. C++ says where it stands and how big it is.
@@ -141,7 +140,12 @@ Window {
             width: bar.barWidth
             height: bar.height - bar.shade
             radius: theme.barRadius
-            color: theme.faded(theme.surface, bar.frame.hasCompositor && bar.frame.isTranslucent ? 0.93 : 1)
+            readonly property real thickness: bar.frame.hasCompositor && bar.frame.isTranslucent ? 0.93 : 1
+            // The lower edge of the window that it hangs from doesn't show through.
+            gradient: Gradient {
+                GradientStop { position: 14 / ground.height; color: theme.surface }
+                GradientStop { position: 26 / ground.height; color: theme.faded(theme.surface, ground.thickness) }
+            }
             border.color: theme.line
         }
 
@@ -414,6 +418,8 @@ Window {
                             maximumLineCount: progress.visible ? 2 : 3
                             elide: Text.ElideRight
                             font.pixelSize: bar.isTiny ? theme.body - 1 : bar.isNarrow ? theme.body : theme.large
+                            Accessible.role: Accessible.StaticText
+                            Accessible.name: text
                             color: bar.promptState === "presentingError" ? theme.named("red")
                                  : bar.promptState === "complete" ? theme.primary : theme.secondary
                             HoverHandler { id: overStatus }
@@ -506,6 +512,7 @@ Window {
             makePopover(prediction, "Prediction.qml", {
                 model: bar.model,
                 followUpLabel: Qt.binding(() => bar.followUpLabel),
+                isSelectionUnknown: Qt.binding(() => selection.isUnknown),
                 above: Qt.binding(() => Qt.rect(bar.x, bar.y, bar.width, ground.height))
             })
         if (output.isWanted && !output.active) {

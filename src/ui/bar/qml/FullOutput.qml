@@ -12,7 +12,7 @@ Popover {
     objectName: "fullOutput"
     title: "Full command output"
     contentHeight: Math.min(Math.max(100, Math.min(500, area.implicitHeight)) + heading.height + 40,
-                            Math.floor(screenArea.height / 2))
+                            tallest)
 
     FocusScope {
         anchors.fill: parent

@@ -17,6 +17,8 @@ Window {
     readonly property real roomAbove: above.y - gap - screenArea.y
     readonly property bool isBeneath: contentHeight > roomAbove
                                       && contentHeight <= screenArea.y + screenArea.height - above.y - above.height - gap
+    // As tall as it may become: there is more to see than what it covers.
+    readonly property real tallest: Math.min(screenArea.height - 16, Math.max(360, Math.min(screenArea.height * 0.7, roomAbove - 4)))
     default property alias content: body.data
 
     signal dismissed()

@@ -7,8 +7,8 @@ Popover {
 
     required property var model
     property string followUpLabel: "Refine request..."
+    property bool isSelectionUnknown: false
     readonly property bool isAsking: model.promptState === "awaitingConfirmation"
-    readonly property real tallest: Math.max(Math.floor(screenArea.height / 2), Math.min(360, screenArea.height - 16))
     readonly property var rows: model.rows
     // So many at first, more on request: a line can have thousands of side effects.
     property int mostRows: 100
@@ -41,13 +41,15 @@ Popover {
         font.pixelSize: popover.theme.body
         font.bold: true
     }
-    // The columns of the rows that move something line up.
+    // The columns of the changes line up.
     readonly property var columns: {
         let verb = 0, source = 0
         for (const row of rows) {
-            if (row.source === undefined)
+            if (row.verb === undefined)
                 continue
             verb = Math.max(verb, bold.advanceWidth(row.verb))
+            if (row.source === undefined)
+                continue
             const place = row.source.from === "folder" ? 0 : 14 + 2 + plain.advanceWidth("/")
             source = Math.max(source, place + (row.source.from === "trash" ? bold : plain).advanceWidth(row.source.rest) + 3)
         }
@@ -89,14 +91,38 @@ Popover {
                 font.weight: Font.DemiBold
                 color: popover.theme.primary
             }
-            Text {
-                objectName: "runs"
+            Item {
                 width: parent.width
-                text: popover.model.runsText
-                textFormat: Text.StyledText
-                elide: Text.ElideRight
-                font.pixelSize: popover.theme.body
-                color: popover.theme.secondary
+                height: runs.height
+                Text {
+                    id: runs
+                    objectName: "runs"
+                    width: parent.width - (unknown.visible ? unknown.width + 12 : 0)
+                    text: popover.model.runsText
+                    textFormat: Text.StyledText
+                    elide: Text.ElideRight
+                    font.pixelSize: popover.theme.body
+                    color: popover.theme.secondary
+                }
+                // Why a harmless command asks.
+                Row {
+                    id: unknown
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    visible: popover.isSelectionUnknown && popover.isAsking
+                    spacing: 4
+                    Symbol {
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: "exclamationmark.triangle"
+                        size: 14
+                        color: popover.theme.named("medium")
+                    }
+                    Text {
+                        text: "Selected files unknown"
+                        font.pixelSize: popover.theme.body
+                        color: popover.theme.secondary
+                    }
+                }
             }
             Rectangle {
                 width: parent.width

@@ -7,7 +7,7 @@ Item {
 
     required property var theme
     required property var row
-    property real verbWidth: 0    // the columns of the rows that move something
+    property real verbWidth: 0    // the columns of the changes
     property real sourceWidth: 0
     readonly property bool isChange: row.verb !== undefined
     readonly property bool isMove: row.source !== undefined
@@ -60,7 +60,7 @@ Item {
             Text {
                 id: verb
                 anchors.verticalCenter: parent.verticalCenter
-                width: line.isMove ? Math.max(line.verbWidth, implicitWidth) : implicitWidth
+                width: Math.max(line.verbWidth, implicitWidth)
                 text: line.row.verb
                 font.pixelSize: line.theme.body
                 font.bold: true
@@ -70,7 +70,7 @@ Item {
                 id: source
                 anchors.verticalCenter: parent.verticalCenter
                 visible: line.isMove
-                x: verb.width + 6
+                x: verb.width + 8
                 width: line.isMove ? line.sourceWidth : 0
                 theme: line.theme
                 path: line.row.source || ({from: "folder", rest: ""})
@@ -95,7 +95,7 @@ Item {
             }
             ShownPath {
                 anchors.verticalCenter: parent.verticalCenter
-                x: line.isMove ? to.x + to.width + 8 : verb.width + 6
+                x: line.isMove ? to.x + to.width + 8 : verb.width + 8
                 width: Math.max(0, parent.width - x)
                 theme: line.theme
                 path: line.row.target

@@ -13,7 +13,11 @@ Rectangle {
 
     readonly property string whatToDo: "This window doesn't tell which files are selected. Drop files here, or choose "
                                        + "Brindlet from their context menu."
+    readonly property bool isUnknown: !knowsSelection && text !== ""
+    readonly property string shownText: !isUnknown ? text : isSmall ? "Unknown" : "Selection unknown"
 
+    Accessible.role: Accessible.StaticText
+    Accessible.name: shownText
     visible: text !== ""
     width: visible ? Math.ceil(row.width) + (isSmall ? 12 : 20) : 0
     height: 28
@@ -29,13 +33,13 @@ Rectangle {
         Symbol {
             anchors.verticalCenter: parent.verticalCenter
             visible: !view.isSmall
-            name: view.text === "This folder" ? "folder" : "doc"
+            name: view.isUnknown ? "exclamationmark.triangle" : view.text === "This folder" ? "folder" : "doc"
             size: 15
             color: view.theme.secondary
         }
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            text: view.text
+            text: view.shownText
             textFormat: Text.PlainText
             font.pixelSize: view.isSmall ? view.theme.small : view.theme.body - 1
             color: view.theme.secondary
@@ -44,7 +48,7 @@ Rectangle {
     HoverHandler { id: pointer }
     HintArea {
         theme: view.theme
-        text: view.knowsSelection ? view.names : view.whatToDo
+        text: view.isUnknown ? view.whatToDo : view.names
         isHovered: pointer.hovered
     }
 }

@@ -1,5 +1,5 @@
 import QtQuick
-import QtQuick.Shapes
+import Brindlet
 
 // Something is under way. It turns in steps, which cost next to nothing.
 Item {
@@ -11,25 +11,17 @@ Item {
     implicitWidth: size
     implicitHeight: size
 
-    Shape {
-        id: arc
-        width: 24
-        height: 24
-        transformOrigin: Item.TopLeft
-        scale: spinner.size / 24
-        ShapePath {
-            fillColor: "transparent"
-            strokeColor: Qt.rgba(spinner.color.r, spinner.color.g, spinner.color.b, 0.25)
-            strokeWidth: 3
-            PathAngleArc { centerX: 12; centerY: 12; radiusX: 9; radiusY: 9; startAngle: 0; sweepAngle: 360 }
-        }
-        ShapePath {
-            fillColor: "transparent"
-            strokeColor: spinner.color
-            strokeWidth: 3
-            capStyle: ShapePath.RoundCap
-            PathAngleArc { centerX: 12; centerY: 12; radiusX: 9; radiusY: 9; startAngle: -90; sweepAngle: 90 }
-        }
+    SymbolPicture {
+        anchors.fill: parent
+        stroke: "M12 3a9 9 0 1 1 0 18 9 9 0 1 1 0-18z"
+        lineWidth: 3
+        color: Qt.rgba(spinner.color.r, spinner.color.g, spinner.color.b, 0.25)
+    }
+    SymbolPicture {
+        anchors.fill: parent
+        stroke: "M12 3a9 9 0 0 1 9 9"
+        lineWidth: 3
+        color: spinner.color
     }
     Timer {
         interval: 70
