@@ -1,7 +1,7 @@
 # brindlet_unity(TARGET): its sources are compiled several at a time, since reading the headers is what takes long. Names in
 # the unnamed namespaces of a layer are different for that, and each test has a namespace of its own.
 function(brindlet_unity target)
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 20)
 endfunction()
 
 # brindlet_layer(FOLDER LINKS TARGET...): the folder src/FOLDER as one library.

@@ -16,7 +16,7 @@ constexpr std::string_view standardStream = "-";
 const ArgExtractor::OptionArities gifsicleValueOptions = {{"o", 1}, {"output", 1}};
 
 // gifsicle 1.93, `gifsicle --help`: the letters that take what stands behind them in their word as their value.
-constexpr std::string_view lettersWithValue = "BDLOScdfjklnopt";
+constexpr std::string_view gifsicleLettersWithValue = "BDLOScdfjklnopt";
 constexpr std::string_view explodingLetters = "eE";
 // Options that write, or run a program. It takes a long option by any part of its name that no other begins with.
 constexpr std::string_view gifsicleWritingOptions[] = {"output", "batch", "explode", "explode-by-name",
@@ -38,7 +38,7 @@ bool mayMeanWritingOption(std::string_view name) {
 
 // Whether a word such as -Oeo holds more than its letters say: a letter that explodes, or -o with its value glued on.
 bool isWritingCluster(std::string_view word) {
-    const std::size_t end = word.find_first_of(lettersWithValue, 1);
+    const std::size_t end = word.find_first_of(gifsicleLettersWithValue, 1);
     const std::size_t exploding = word.find_first_of(explodingLetters, 1);
     return exploding < end || (end < word.size() - 1 && word[end] == 'o');
 }

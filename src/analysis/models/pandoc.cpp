@@ -34,7 +34,7 @@ constexpr PandocOption watchedOptions[] = {
 };
 
 // Letters that take a value: the rest of the word, or the next word.
-constexpr std::string_view lettersWithValue = "odFLMVDHBATtfrwc";
+constexpr std::string_view pandocLettersWithValue = "odFLMVDHBATtfrwc";
 
 // One option as pandoc sees it.
 struct PandocUse {
@@ -77,7 +77,7 @@ class PandocReading {
     }
 
     void readCluster(const std::string& word) {
-        const std::size_t place = word.find_first_of(lettersWithValue, 1);
+        const std::size_t place = word.find_first_of(pandocLettersWithValue, 1);
         if (place == std::string::npos) return;
         const bool isGlued = place + 1 < word.size();
         const std::string value = isGlued ? word.substr(place + 1) : nextWord();
