@@ -95,8 +95,8 @@ It also makes the line itself, of a request in plain words."
   DEPENDS libcurl4
   RECOMMENDS "libatspi2.0-0, libsecret-1-0, unzip, xdg-utils, zip"
   # What the tools call where it is there, and the desktop's part.
-  SUGGESTS "bash-completion, brindlet-bar, ffmpeg, ghostscript, gifsicle, imagemagick, libglib2.0-bin, libnotify-bin, \
-libreoffice, pandoc, poppler-utils, qpdf")
+  SUGGESTS "bash-completion, brindlet-bar, cups-client, dcraw, ffmpeg, ghostscript, gifsicle, imagemagick, \
+libglib2.0-bin, libnotify-bin, libreoffice, librsvg2-bin, pandoc, poppler-utils, qpdf")
 # The modules of Qt's that the pages import come as packages of their own, and nothing is linked with them.
 brindlet_package(
   bar brindlet-bar "bar under the file manager that does what you ask of it"
@@ -107,7 +107,8 @@ does."
   DEPENDS "brindlet (= ${PROJECT_VERSION}), at-spi2-core, dbus-bin, libatspi2.0-0, qml6-module-qtquick, \
 qml6-module-qtquick-controls, qml6-module-qtquick-layouts, qml6-module-qtquick-shapes, qml6-module-qtquick-templates, \
 qml6-module-qtquick-window, qml6-module-qtqml-workerscript"
-  RECOMMENDS "default-dbus-session-bus | dbus-session-bus, fonts-noto-color-emoji, libsecret-1-0, qt6-wayland"
+  RECOMMENDS "default-dbus-session-bus | dbus-session-bus, fonts-noto-color-emoji, libsecret-1-0, qt6-gtk-platformtheme, \
+qt6-wayland"
   # By which some file managers say better, or at all, what is selected in them; PCManFM by the last two.
   SUGGESTS "brindlet-nautilus, brindlet-thunar, libatk-adaptor, libgail-common")
 brindlet_package(

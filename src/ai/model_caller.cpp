@@ -107,8 +107,8 @@ std::string noRoadSentence(const WireFormat& wire, ProviderApiKeys& keys) {
             "machine with `brindlet models add`.",
             provider);
     return fmt::format(
-        "No key for {0}. Add one with `brindlet keys set {0}`, or choose a model on your own machine "
-        "with `brindlet models add`.",
+        "No key for {0}. Add one in the settings or with `brindlet keys set {0}`, or choose a model on your own "
+        "machine with `brindlet models add`.",
         provider);
 }
 

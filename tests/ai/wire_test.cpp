@@ -305,8 +305,8 @@ TEST(Wire, RequestsThatGoNowhere) {
     ModelCaller caller({keys, user.customModels, *http, user.environment, {}});
     for (const auto provider : ProviderApiKeys::providers) {
         const std::string name(rawValue(provider));
-        const std::string sentence = "No key for " + name + ". Add one with `brindlet keys set " + name +
-                                     "`, or choose a model on your own machine with `brindlet models add`.";
+        const std::string sentence = "No key for " + name + ". Add one in the settings or with `brindlet keys set " +
+                                     name + "`, or choose a model on your own machine with `brindlet models add`.";
         EXPECT_EQ(caller.whyUnusable(modelOf(provider)), sentence);
         EXPECT_EQ(user.called(modelOf(provider)), "-1: " + sentence);
     }

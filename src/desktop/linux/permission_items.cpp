@@ -77,7 +77,8 @@ std::vector<PermissionItem> accessibilityItems(const Environment& environment) {
     return {{.title = "The windows of other programs can be followed",
              .remedy = "Start a window manager that keeps the hints of the desktop, such as that of Xfce, GNOME, KDE or "
                        "MATE.",
-             .check = [] { return XWindowSource().canFollow(); }}};
+             .check = [] { return XWindowSource().canFollow(); },
+             .isRequired = false}};  // the bar stands free without it
 }
 
 // None is required: without any, a companion in the file manager or its context menu still tells what is selected.

@@ -236,7 +236,7 @@ Popover {
                             visible: popover.rows.length > popover.mostRows
                             theme: popover.theme
                             isQuiet: true
-                            text: `Show ${popover.rows.length - popover.mostRows} more`
+                            text: visible ? `Show ${popover.rows.length - popover.mostRows} more` : ""
                             onClicked: popover.mostRows += 400
                         }
                     }
