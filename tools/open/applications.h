@@ -1,4 +1,4 @@
-// The desktop's applications, by the desktop entry specification of freedesktop.org, version 1.5.
+// The desktop's applications, by the desktop entries of freedesktop.org, version 1.5.
 //
 //     if (const auto editor = applicationNamed("Text Editor")) words = commandWords(*editor, {"/w/a.txt"});
 #pragma once

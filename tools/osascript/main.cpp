@@ -51,7 +51,7 @@ int carryOut(const VolumeChange& change) {
     return 0;
 }
 
-// The body of a notification is a kind of HTML (the desktop notifications specification, 1.2).
+// The body of a notification is a kind of HTML (desktop notifications of freedesktop.org, 1.2).
 std::string markedUp(std::string_view text) {
     return replacedAll(replacedAll(replacedAll(text, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }

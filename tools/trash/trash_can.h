@@ -1,4 +1,4 @@
-// The desktop's trash, by the trash specification of freedesktop.org, version 1.0: what is put here appears in every
+// The desktop's trash, by the trash rules of freedesktop.org, version 1.0: what is put here appears in every
 // file manager's trash, which can put it back.
 //
 //     moveToTrash("a.txt");  // now in ~/.local/share/Trash/files, with a note of where it lay in .../info

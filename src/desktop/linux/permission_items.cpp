@@ -51,7 +51,7 @@ std::optional<Failure> announceAssistivePrograms(const Environment& environment)
     return Failure{"The accessibility bus can't be told that it is used."};
 }
 
-// As the Desktop Entry Specification has it: quoted, with the characters escaped that stay special in quotes, and
+// As freedesktop.org has it for desktop entries: quoted, with the characters escaped that stay special in quotes, and
 // percent signs doubled.
 std::string quotedExec(const std::string& program) {
     std::string quoted = "\"";
@@ -75,8 +75,9 @@ std::vector<PermissionItem> accessibilityItems(const Environment& environment) {
     // Nobody can grant that in a Wayland session, where the bar stands at the bottom of the screen.
     if (isWaylandSession(environment)) return {};
     return {{.title = "The windows of other programs can be followed",
-             .remedy = "Start a window manager that keeps the hints of the desktop, such as that of Xfce, GNOME, KDE or "
-                       "MATE.",
+             .remedy =
+                 "Start a window manager that keeps the hints of the desktop, such as that of Xfce, GNOME, KDE or "
+                 "MATE.",
              .check = [] { return XWindowSource().canFollow(); },
              .isRequired = false}};  // the bar stands free without it
 }

@@ -21,7 +21,7 @@ std::vector<PermissionItem> accessibilityItems(const Environment& environment);
 // `helper` answers by selectionAnswer(), and outlives the items.
 std::vector<PermissionItem> automationItems(const Environment& environment, AnsweringProcess& helper);
 
-// An entry of the desktop's autostart folder (Desktop Application Autostart Specification).
+// An entry of the desktop's autostart folder (autostart of freedesktop.org).
 class AutostartEntry final : public LaunchAtLogin {
   public:
     AutostartEntry(FilePath autostartFolder, FilePath program);

@@ -6,6 +6,7 @@
 #include <QQuickWindow>
 #include <QRegion>
 #include <QScreen>
+#include <thread>
 #include <utility>
 
 #include "desktop/file_managers.h"
@@ -23,6 +24,8 @@ using namespace std::chrono_literals;
 
 // A cold start of a file manager takes a second or two, and it must not be asked for a second window meanwhile.
 constexpr auto openingTime = 4s;
+constexpr auto managerPatience = 3000ms;
+constexpr auto managerPause = 100ms;
 // Compositors come and go without word of it.
 constexpr auto lookInterval = 2s;
 
@@ -66,6 +69,9 @@ BarDesktop::~BarDesktop() = default;
 void BarDesktop::chooseWindows() {
     if (QGuiApplication::platformName() == QStringLiteral("xcb") && !isWaylandSession(processEnvironment())) {
         auto windows = std::make_unique<XWindowSource>(pointsOfPixels);
+        // A program that starts with the session may be there before the window manager.
+        for (auto waited = 0ms; !windows->canFollow() && waited < managerPatience; waited += managerPause)
+            std::this_thread::sleep_for(managerPause);
         if (windows->canFollow()) {
             xWindows_ = windows.get();
             notifier_ = std::make_unique<QSocketNotifier>(windows->descriptor(), QSocketNotifier::Read);
