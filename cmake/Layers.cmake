@@ -24,9 +24,10 @@ function(brindlet_layer folder)
   target_link_libraries(brindlet_${name} PUBLIC ${ARG_LINKS})
 endfunction()
 
-# brindlet_tests(FOLDER LINKS TARGET...): tests/FOLDER as one test program, its cases found by CTest.
+# brindlet_tests(FOLDER [SERIAL] LINKS TARGET...): tests/FOLDER as one test program, its cases found by CTest. SERIAL: no
+# other test runs beside them, as other programs are part of them that take their time.
 function(brindlet_tests folder)
-  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "SERIAL" "" "LINKS" ${ARGN})
   string(REPLACE "/" "_" name ${folder})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
   if(NOT sources)
@@ -38,5 +39,5 @@ function(brindlet_tests folder)
   target_compile_options(${name}_tests PRIVATE $<$<CONFIG:Release>:-O0>)
   target_include_directories(${name}_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name}_tests PRIVATE ${ARG_LINKS} GTest::gtest GTest::gtest_main)
-  gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 RUN_SERIAL ${ARG_SERIAL})
 endfunction()
